@@ -1,0 +1,14 @@
+/* Export control for the public C interface of liborloHKGeocoder.
+ *
+ * Everything in the library is compiled with hidden visibility; only the
+ * declarations marked ORLO_API are part of the shared library's interface. */
+#ifndef ORLO_API_H
+#define ORLO_API_H
+
+#if defined(__GNUC__) || defined(__clang__)
+#define ORLO_API __attribute__((visibility("default")))
+#else
+#define ORLO_API
+#endif
+
+#endif /* ORLO_API_H */

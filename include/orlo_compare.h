@@ -1,0 +1,70 @@
+/* The comparison library: likeness scores for street names, spellings,
+ * general strings and business names, and the helpers they share.
+ *
+ * Texts are fixed-width, blank-padded upper-case fields (pointer and signed
+ * 32-bit length); a blank is 0x20 only. Scores run from 100 (identical)
+ * down. m_street keeps a one-entry cache of its first street per thread;
+ * every other routine keeps no state. None allocates on the heap except
+ * tg_isostd (its result) and tg_remac (its work buffer). */
+#ifndef ORLO_COMPARE_H
+#define ORLO_COMPARE_H
+
+#include <stdint.h>
+
+#include "orlo_api.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* A word node: a word inside the caller's text. */
+typedef struct MWORD {
+  struct MWORD *next;  /* NULL for the last word */
+  struct MWORD *prev;  /* NULL for the first word */
+  char *text;          /* first byte of the word in the caller's text */
+  int32_t len;         /* length of the word in bytes */
+} MWORD;
+
+ORLO_API int32_t m_isnumb(const char *text, int32_t len);
+ORLO_API int32_t xm_lpck(char *field, int32_t len);
+ORLO_API int32_t m_comprs(char *field, int32_t len);
+ORLO_API void m_chcmp1(int32_t *errors, int32_t *tail, int32_t *repeats,
+                       int32_t *mismatch, int32_t lena, int32_t lenb,
+                       const char *a, const char *b);
+ORLO_API void m_fixord(char *field, int32_t len);
+ORLO_API void m_wrdrec(char *field, int32_t len);
+ORLO_API void m_recode(char *field, int32_t len);
+ORLO_API void m_recode_new(char *field, int32_t len);
+ORLO_API void m_iwrdls(MWORD *nodes, MWORD **head, MWORD **tail, int32_t len,
+                       char *text);
+
+/* Street name likeness, 0..100. options may be NULL; when not NULL it must be
+ * writable (it is upper-cased in place). */
+ORLO_API int32_t m_street(const char *s1, const char *s2, int32_t len,
+                          char *options);
+ORLO_API int32_t m_spllng(const char *f1, const char *f2, int32_t len,
+                          const char *options);
+ORLO_API int32_t m_tgstr(const char *s1, const char *s2, int32_t len);
+/* Returns a malloc'ed 3-byte text; the caller frees it with free(). */
+ORLO_API char *tg_isostd(unsigned char ch);
+ORLO_API void tg_remac(char *text, int32_t size);
+
+ORLO_API int32_t m_busnam(const char *n1, const char *n2, int32_t len,
+                          const char *options);
+ORLO_API int32_t m_insrtw(const MWORD *p, const MWORD *q);
+ORLO_API int32_t m_trnsps(const MWORD *p, const MWORD *q);
+ORLO_API int32_t m_spltwd(const MWORD *p, const MWORD *q);
+ORLO_API int32_t m_allino(const MWORD *p, MWORD **q);
+ORLO_API void m_spltnd(MWORD *p, MWORD *pool, MWORD **head, int32_t *poolcount,
+                       MWORD **tail);
+ORLO_API void m_chcmp3(int32_t *charerrs, int32_t *score, const MWORD *p,
+                       const MWORD *q, int32_t *initials, int32_t *noexact);
+ORLO_API void m_fnlscr(int32_t *score, const MWORD *head1, const MWORD *head2,
+                       int32_t worderrs, int32_t charerrs);
+ORLO_API void m_dsplay(MWORD *head);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ORLO_COMPARE_H */
