@@ -100,6 +100,11 @@ typedef struct HKMCB {
   int32_t nmatched;
   char state;           /* 'O' open instance, 'R' private copy of an "R" call */
   int32_t inmem;
+  /* Additions after the fields above: the sizes of LEVEL2 and BASEDATA (of
+   * the files, or of the images in memory mode) as found at open, against
+   * which every offset and length read from the reference data is checked. */
+  int64_t lvl2size;
+  int64_t basesize;
 } HKMCB;
 
 /* The handle area of one instance: word 0 holds the HKMCB address, the rest
