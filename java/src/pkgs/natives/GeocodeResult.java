@@ -1,0 +1,50 @@
+package pkgs.natives;
+
+import java.nio.charset.StandardCharsets;
+
+/** The fields of a 300-byte output record, by name. Texts have their padding removed. */
+public final class GeocodeResult {
+  private final byte[] record;
+
+  public GeocodeResult(byte[] outRec) {
+    if (outRec.length < 300) {
+      throw new IllegalArgumentException("an output record has 300 bytes");
+    }
+    this.record = outRec.clone();
+  }
+
+  private String text(int offset, int width) {
+    return new String(record, offset, width, StandardCharsets.ISO_8859_1).stripTrailing();
+  }
+
+  private boolean flag(int offset) {
+    return record[offset] == 'Y';
+  }
+
+  /** '1' when a reference address was written, '0' when not, other codes on errors. */
+  public char returnCode() { return (char) record[0]; }
+  /** '0' accepted; '1' no region key; '2' no street; '3', '4' rejected; '5' ambiguous. */
+  public char matchStatus() { return (char) record[267]; }
+  /** True when a reference address was chosen and written. */
+  public boolean isMatched() { return record[0] == '1' && record[267] == '0'; }
+  public String premiseNumber() { return text(1, 8); }
+  public String street() { return text(9, 30); }
+  public String building() { return text(39, 30); }
+  public String unitLine() { return (text(69, 25) + " " + text(293, 5)).strip(); }
+  public String district() { return text(94, 30); }
+  public String region() { return text(124, 30); }
+  public char mode() { return (char) record[154]; }
+  public String line1() { return text(155, 50); }
+  public String line2() { return text(205, 50); }
+  public String refCode() { return text(255, 3); }
+  public String refId() { return text(258, 5); }
+  public boolean areaChanged() { return flag(264); }
+  public boolean streetChanged() { return flag(265); }
+  public boolean premiseChanged() { return flag(266); }
+  public String refLine() { return text(268, 25); }
+  public char grade() { return (char) record[298]; }
+  public boolean buildingFromReference() { return flag(299); }
+
+  /** A copy of the raw 300-byte record. */
+  public byte[] toRecord() { return record.clone(); }
+}

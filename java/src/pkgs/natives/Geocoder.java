@@ -1,0 +1,117 @@
+package pkgs.natives;
+
+import java.nio.file.Path;
+
+/**
+ * One geocoder instance over a reference database directory (LEVEL1, LEVEL2, BASEDATA).
+ *
+ * <pre>{@code
+ * try (Geocoder g = Geocoder.open(Path.of("/data/hk"))) {
+ *   GeocodeResult r = g.geocode(new Address().premiseNumber("88").street("NATHAN RD").region("KLN"));
+ *   if (r.isMatched()) System.out.println(r.line1() + " / " + r.line2());
+ * }
+ * }</pre>
+ *
+ * <p>An instance serves one call at a time: give each thread its own. Opening fails with a {@link
+ * GeocoderException} carrying the library's return code. Closing writes no accuracy statement
+ * unless one was requested with {@link #open(Path, String, Path)}.
+ */
+public final class Geocoder implements AutoCloseable {
+  private final int handle;
+  private final Path db;
+  private final String options;
+  private final String reportPath;
+  private final byte[] outRec = new byte[300];
+  private final byte[] namelist = new byte[30000];
+  private final byte[] reclist = new byte[7500];
+  private boolean closed;
+
+  private Geocoder(int handle, Path db, String options, String reportPath) {
+    this.handle = handle;
+    this.db = db;
+    this.options = options;
+    this.reportPath = reportPath;
+  }
+
+  /** Opens the database in directory db with no options. */
+  public static Geocoder open(Path db) {
+    return open(db, "", null);
+  }
+
+  /**
+   * Opens the database in directory db. options is the open option string (for example "YM": its
+   * second character 'M' holds the files in memory); report, when not null, is the path of the
+   * accuracy statement written at close.
+   */
+  public static Geocoder open(Path db, String options, Path report) {
+    byte[] in = new Address().toRecord();
+    byte[] out = new byte[300];
+    String reportPath = report == null ? null : report.toString();
+    int handle =
+        OrloHKGeocoder.openGeocoder(
+            in, out, options, "", "", "", "", "", "", "", reportPath,
+            db.resolve("LEVEL1").toString(), db.resolve("LEVEL2").toString(),
+            db.resolve("BASEDATA").toString(), null, null);
+    if (handle < 0) {
+      throw new GeocoderException((char) out[0], "no free geocoder slot");
+    }
+    Geocoder g = new Geocoder(handle, db, options, reportPath);
+    if (out[0] != '0') {
+      g.close();
+      throw new GeocoderException((char) out[0], "cannot open " + db);
+    }
+    return g;
+  }
+
+  /** Geocodes one address on this instance. */
+  public GeocodeResult geocode(Address address) {
+    return call(address, false);
+  }
+
+  /** Geocodes one address in a private copy of the instance, which stays unchanged. */
+  public GeocodeResult geocodeIsolated(Address address) {
+    return call(address, true);
+  }
+
+  private GeocodeResult call(Address address, boolean isolated) {
+    if (closed) {
+      throw new IllegalStateException("geocoder is closed");
+    }
+    byte[] in = address.toRecord();
+    String l1 = db.resolve("LEVEL1").toString();
+    String l2 = db.resolve("LEVEL2").toString();
+    String bd = db.resolve("BASEDATA").toString();
+    if (isolated) {
+      // The private copy's close must not write a statement ('L' first); its second character
+      // keeps the copy on the instance's memory images in memory mode.
+      String copyOptions = inMemory() ? "LM" : "L";
+      OrloHKGeocoder.minProcess(
+          handle, in, outRec, copyOptions, "", "", "", "", "", "", "", null, l1, l2, bd,
+          namelist, reclist);
+    } else {
+      OrloHKGeocoder.process(
+          handle, in, outRec, options, "", "", "", "", "", "", "", null, l1, l2, bd, namelist,
+          reclist);
+    }
+    return new GeocodeResult(outRec);
+  }
+
+  private boolean inMemory() {
+    return options != null
+        && options.length() >= 2
+        && Character.toUpperCase(options.charAt(1)) == 'M';
+  }
+
+  @Override
+  public void close() {
+    if (closed) {
+      return;
+    }
+    closed = true;
+    // A close writes the accuracy statement unless its options start with 'L'.
+    String closeOptions = reportPath == null ? "L" : options;
+    OrloHKGeocoder.closeGeocoder(
+        handle, new Address().toRecord(), new byte[300], closeOptions, null, "", "", "", "", "",
+        "", reportPath, null, null, null, null, null);
+  }
+}

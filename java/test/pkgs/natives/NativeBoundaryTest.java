@@ -1,0 +1,387 @@
+package pkgs.natives;
+
+import java.io.ByteArrayOutputStream;
+import java.io.IOException;
+import java.io.InputStream;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.List;
+import java.util.concurrent.ExecutorService;
+import java.util.concurrent.Executors;
+import java.util.concurrent.Future;
+import pkgs.natives.examples.GeocodeCsv;
+
+/**
+ * Tests of the native methods in a real virtual machine: results equal to the native batch
+ * geocoder's, the handle table, markers for bad arguments, console messages (captured from a child
+ * virtual machine), the source record mapping and concurrent instances.
+ *
+ * <p>Arguments: the sample database directory, the sample addresses CSV and the hkgeocode
+ * executable. Prints "N passed, N failed" and exits non-zero on any failure.
+ */
+public final class NativeBoundaryTest {
+  private static int passed;
+  private static int failed;
+  private static Path db;
+  private static List<byte[]> records;
+
+  private NativeBoundaryTest() {}
+
+  public static void main(String[] args) throws Exception {
+    if (args.length > 0 && args[0].equals("--child")) {
+      child(args[1]);
+      return;
+    }
+    db = Path.of(args[0]);
+    records = new ArrayList<>();
+    for (Address a : GeocodeCsv.readAddresses(Path.of(args[1]))) {
+      records.add(a.toRecord());
+    }
+    check(records.size() >= 200, "sample addresses loaded");
+    sameResultsAsNativeBatch(Path.of(args[2]));
+    slotsAreReusedLowestFirst();
+    failedOpenKeepsItsSlot();
+    invalidHandlesAreRejected();
+    badArgumentsGiveMarkers();
+    consoleMessagesAreExact();
+    copyFieldsMapsSourceRecords();
+    threadsGiveIdenticalResults();
+    minProcessLeavesTheInstanceCounters();
+    System.out.println(passed + " passed, " + failed + " failed");
+    System.exit(failed == 0 ? 0 : 1);
+  }
+
+  private static void check(boolean ok, String what) {
+    if (ok) {
+      passed++;
+    } else {
+      failed++;
+      System.out.println("FAILED: " + what);
+    }
+  }
+
+  private static String l1() { return db.resolve("LEVEL1").toString(); }
+  private static String l2() { return db.resolve("LEVEL2").toString(); }
+  private static String bd() { return db.resolve("BASEDATA").toString(); }
+
+  private static byte[] blankRecord(int size) {
+    byte[] r = new byte[size];
+    Arrays.fill(r, (byte) ' ');
+    return r;
+  }
+
+  private static int open(byte[] out, String options) {
+    return OrloHKGeocoder.openGeocoder(
+        blankRecord(200), out, options, "", "", "", "", "", "", "", null, l1(), l2(), bd(),
+        null, null);
+  }
+
+  private static void process(int h, byte[] in, byte[] out) {
+    OrloHKGeocoder.process(
+        h, in, out, "", "", "", "", "", "", "", "", null, l1(), l2(), bd(), null, null);
+  }
+
+  private static void minProcess(int h, byte[] in, byte[] out) {
+    OrloHKGeocoder.minProcess(
+        h, in, out, "L", "", "", "", "", "", "", "", null, l1(), l2(), bd(), null, null);
+  }
+
+  private static void close(int h, String options, String report) {
+    OrloHKGeocoder.closeGeocoder(
+        h, blankRecord(200), new byte[300], options, "20261101", "", "", "", "", "", "", report,
+        null, null, null, null, null);
+  }
+
+  private static List<byte[]> geocodeAll(List<byte[]> in) {
+    byte[] out = new byte[300];
+    int h = open(out, "");
+    List<byte[]> results = new ArrayList<>();
+    for (byte[] r : in) {
+      process(h, r, out);
+      results.add(out.clone());
+    }
+    close(h, "L", null);
+    return results;
+  }
+
+  // The same records through hkgeocode --fixed (hk_mtci called from C++) and
+  // through the native methods give the same output bytes.
+  private static void sameResultsAsNativeBatch(Path hkgeocode) throws Exception {
+    Path dir = Files.createTempDirectory("orlo-java");
+    Path in = dir.resolve("in.bin");
+    Path expected = dir.resolve("expected.bin");
+    ByteArrayOutputStream all = new ByteArrayOutputStream();
+    for (byte[] r : records) {
+      all.write(r);
+    }
+    Files.write(in, all.toByteArray());
+    Process p =
+        new ProcessBuilder(
+                hkgeocode.toString(), "--fixed", "--db", db.toString(), "--out",
+                expected.toString(), in.toString())
+            .redirectErrorStream(true)
+            .start();
+    String log = new String(p.getInputStream().readAllBytes(), StandardCharsets.UTF_8);
+    check(p.waitFor() == 0, "hkgeocode --fixed ran: " + log);
+    byte[] want = Files.readAllBytes(expected);
+    List<byte[]> got = geocodeAll(records);
+    check(want.length == 300 * records.size(), "hkgeocode wrote one record per input");
+    int same = 0;
+    int matched = 0;
+    for (int i = 0; i < got.size() && 300 * (i + 1) <= want.length; i++) {
+      if (Arrays.equals(got.get(i), Arrays.copyOfRange(want, 300 * i, 300 * (i + 1)))) {
+        same++;
+      }
+      matched += got.get(i)[267] == '0' ? 1 : 0;
+    }
+    check(same == records.size(), "JNI results equal native results: " + same);
+    check(matched > records.size() / 2, "most sample addresses match: " + matched);
+  }
+
+  private static void slotsAreReusedLowestFirst() {
+    byte[] out = new byte[300];
+    int[] h = new int[3];
+    for (int i = 0; i < 3; i++) {
+      h[i] = open(out, "");
+    }
+    check(h[1] == h[0] + 1 && h[2] == h[1] + 1, "opens take consecutive slots");
+    close(h[1], "L", null);
+    int again = open(out, "");
+    check(again == h[1], "the freed slot is reused first");
+    close(again, "L", null);
+    close(h[0], "L", null);
+    close(h[2], "L", null);
+  }
+
+  private static void failedOpenKeepsItsSlot() {
+    byte[] out = new byte[300];
+    int h =
+        OrloHKGeocoder.openGeocoder(
+            blankRecord(200), out, "", "", "", "", "", "", "", "", null, "/nonexistent/L1",
+            "/nonexistent/L2", "/nonexistent/BD", null, null);
+    check(h >= 0 && out[0] == '6', "an open with missing files returns a slot and code 6");
+    int next = open(out, "");
+    check(next == h + 1, "the failed open's slot stays taken");
+    close(h, "L", null);
+    close(next, "L", null);
+    check(open(out, "") == h, "closing the failed instance frees its slot");
+    close(h, "L", null);
+  }
+
+  private static void invalidHandlesAreRejected() {
+    byte[] out = blankRecord(300);
+    int closedSlot = open(out, "");
+    close(closedSlot, "L", null);
+    for (int h : new int[] {-1, 200, 12345, closedSlot}) {
+      out[0] = '0';
+      process(h, records.get(0), out);
+      check(out[0] == 'A', "process on handle " + h + " gives A");
+      out[0] = '0';
+      minProcess(h, records.get(0), out);
+      check(out[0] == 'A', "minProcess on handle " + h + " gives A");
+      close(h, "L", null);
+    }
+  }
+
+  private static void badArgumentsGiveMarkers() {
+    byte[] out = new byte[300];
+    int h = open(out, "");
+    process(h, new byte[10], out);
+    check(out[0] == 'Y', "a short input record gives Y");
+    process(h, null, out);
+    check(out[0] == 'Y', "a null input record gives Y");
+    process(h, records.get(0), null);
+    OrloHKGeocoder.process(
+        h, records.get(0), out, null, null, null, null, null, null, null, null, null, null, null,
+        null, null, null);
+    check(out[0] != 'Y', "null strings are accepted");
+    OrloHKGeocoder.process(
+        h, records.get(0), out, "", "", "", "", "", "", "", "", null, l1(), l2(), bd(),
+        new byte[5], null);
+    check(out[0] == 'Y', "a short name list gives Y");
+    close(h, "L", null);
+    byte[] shortOut = new byte[4];
+    int none = open(shortOut, "");
+    check(none == -1 && shortOut[0] == 'X', "open with a short output record gives X");
+    check(OrloHKGeocoder.getErrorMsg(null) == 0, "getErrorMsg(null) returns 0");
+    byte[] in = blankRecord(200);
+    OrloHKGeocoder.copyFields(new byte[100], in);
+    check(in[0] == 'V', "copyFields with a short source gives V");
+    OrloHKGeocoder.copyFields(null, null);
+  }
+
+  // Runs this class in a child virtual machine and returns its stdout and stderr.
+  private static String[] runChild(String what) throws Exception {
+    Process p =
+        new ProcessBuilder(
+                Path.of(System.getProperty("java.home"), "bin", "java").toString(),
+                "-Djava.library.path=" + System.getProperty("java.library.path"),
+                "-cp", System.getProperty("java.class.path"),
+                NativeBoundaryTest.class.getName(), "--child", what, db.toString())
+            .start();
+    String out = readAll(p.getInputStream());
+    String err = readAll(p.getErrorStream());
+    p.waitFor();
+    return new String[] {out, err};
+  }
+
+  private static String readAll(InputStream in) throws IOException {
+    return new String(in.readAllBytes(), StandardCharsets.ISO_8859_1);
+  }
+
+  private static void child(String what) {
+    byte[] out = new byte[300];
+    if (what.equals("errmsg")) {
+      out[0] = '7';
+      OrloHKGeocoder.getErrorMsg(out);
+      out[0] = 'A';
+      OrloHKGeocoder.getErrorMsg(out);
+    } else if (what.equals("limit")) {
+      for (int i = 0; i < 201; i++) {
+        int h =
+            OrloHKGeocoder.openGeocoder(
+                blankRecord(200), out, "", "", "", "", "", "", "", "", null, null, null, null,
+                null, null);
+        if (h < 0) {
+          System.out.flush();
+          System.out.print("|result " + i + " " + h + " " + (char) out[0]);
+        }
+      }
+    }
+    System.out.flush();
+  }
+
+  private static void consoleMessagesAreExact() throws Exception {
+    String[] err = runChild("errmsg");
+    check(
+        err[1].equals(
+            " POSTAL-MATCH_ERROR QMV-BAD OPEN ON LEVEL1 HKMATCH                   \n"
+                + " POSTAL-MATCH_ERROR QMV-UNKNOWN ERROR MSG\n"),
+        "getErrorMsg prints the exact message lines: [" + err[1] + "]");
+    check(err[0].isEmpty(), "getErrorMsg prints nothing on standard output");
+    String[] limit = runChild("limit");
+    check(
+        limit[0].equals("\n Cannot run more than 200 HKGeocoders on one server|result 200 -1 L"),
+        "the 201st open prints the limit message and returns -1 with L: [" + limit[0] + "]");
+  }
+
+  private static byte[] source() {
+    return blankRecord(8528);
+  }
+
+  private static void put(byte[] rec, int offset, String text) {
+    byte[] b = text.getBytes(StandardCharsets.ISO_8859_1);
+    System.arraycopy(b, 0, rec, offset, b.length);
+  }
+
+  private static String field(byte[] rec, int offset, int width) {
+    return new String(rec, offset, width, StandardCharsets.ISO_8859_1);
+  }
+
+  private static String pad(String s, int width) {
+    return String.format("%-" + width + "s", s);
+  }
+
+  private static byte[] map(byte[] src) {
+    byte[] in = new byte[200];
+    OrloHKGeocoder.copyFields(src, in);
+    return in;
+  }
+
+  private static void copyFieldsMapsSourceRecords() {
+    byte[] src = source();
+    put(src, 827, "NATHAN");
+    put(src, 937, "88");
+    put(src, 877, "ROAD");
+    put(src, 985, "IGNORED");
+    put(src, 1103, "CHUNGKING");
+    put(src, 1153, "MANSIONS");
+    put(src, 781, "36");
+    put(src, 1343, "12/F");
+    put(src, 1383, "FLAT A");
+    put(src, 2338, "KOWLOON");
+    put(src, 2241, "TSIM SHA TSUI");
+    byte[] in = map(src);
+    check(field(in, 18, 30).equals(pad("88 NATHAN ROAD", 30)), "branch 827 street");
+    check(field(in, 48, 30).equals(pad("CHUNGKING MANSIONS", 30)), "branch 827 building");
+    check(field(in, 10, 8).equals(pad("36", 8)), "branch 827 premise number");
+    check(field(in, 78, 25).equals(pad("12/F FLAT A", 25)), "unit line");
+    check(field(in, 163, 30).equals(pad("KLN", 30)), "KOWLOON becomes KLN");
+    check(field(in, 133, 30).equals(pad("TSIM SHA TSUI", 30)), "district copied");
+    check(in[199] == '1', "branch 827 mode 1");
+
+    byte[] b = source();
+    put(b, 1103, "X");
+    put(b, 1128, "QUEEN'S ROAD");
+    put(b, 1168, "CENTRAL");
+    put(b, 2241, "HK");
+    in = map(b);
+    check(field(in, 18, 30).equals(pad("QUEEN'S ROAD CENTRAL", 30)), "branch 1103 street");
+    check(field(in, 48, 38).trim().isEmpty(), "branch 1103 leaves building and premise blank");
+    check(field(in, 163, 30).equals(pad("HK", 30)), "district HK gives region HK");
+    check(field(in, 133, 30).equals(pad("HK", 30)), "district HK left unchanged");
+
+    byte[] c = source();
+    put(c, 1042, "TIMES SQUARE");
+    put(c, 778, "004");
+    put(c, 2241, "CAUSEWAY BAY");
+    put(c, 2469, "00002 ");
+    in = map(c);
+    check(in[199] == 'F', "offset 778 004 gives mode F even in branch 1042");
+    check(field(in, 163, 30).equals(pad("KLN", 30)), "region number 00002 gives KLN");
+
+    byte[] d = source();
+    put(d, 2469, "00001 ");
+    in = map(d);
+    check(in[199] == '4', "no branch gives mode 4");
+    check(field(in, 163, 30).trim().isEmpty(), "no region from a blank district");
+  }
+
+  private static void threadsGiveIdenticalResults() throws Exception {
+    List<byte[]> work = new ArrayList<>();
+    while (work.size() < 10000) {
+      work.add(records.get(work.size() % records.size()));
+    }
+    List<byte[]> single = geocodeAll(work);
+    ExecutorService pool = Executors.newFixedThreadPool(8);
+    List<Future<List<byte[]>>> runs = new ArrayList<>();
+    for (int t = 0; t < 8; t++) {
+      runs.add(pool.submit(() -> geocodeAll(work)));
+    }
+    int identical = 0;
+    for (Future<List<byte[]>> f : runs) {
+      List<byte[]> r = f.get();
+      boolean same = r.size() == single.size();
+      for (int i = 0; same && i < r.size(); i++) {
+        same = Arrays.equals(r.get(i), single.get(i));
+      }
+      identical += same ? 1 : 0;
+    }
+    pool.shutdown();
+    check(identical == 8, "8 threads with their own instances give identical results");
+  }
+
+  private static void minProcessLeavesTheInstanceCounters() throws Exception {
+    Path report = Files.createTempFile("orlo-report", ".txt");
+    byte[] out = new byte[300];
+    int h = open(out, "");
+    for (int i = 0; i < 3; i++) {
+      process(h, records.get(i), out);
+    }
+    for (int i = 0; i < 5; i++) {
+      minProcess(h, records.get(i), out);
+      check(out[0] == '0' || out[0] == '1', "minProcess returns a result");
+    }
+    close(h, "", report.toString());
+    List<String> lines = Files.readAllLines(report, StandardCharsets.ISO_8859_1);
+    String processed =
+        lines.stream().filter(l -> l.contains("Total Number of Records Processed")).findFirst()
+            .orElse("");
+    check(
+        processed.length() > 75 && processed.substring(61, 75).trim().equals("3"),
+        "the statement counts the 3 process calls only: [" + processed + "]");
+  }
+}

@@ -1,0 +1,276 @@
+// The JNI entry points of class pkgs.natives.OrloHKGeocoder.
+//
+// Each method copies its Java arrays and strings, makes one call on the
+// handle table or the matcher, and releases everything. A failure that
+// escapes (a C++ exception, the virtual machine refusing an array) never
+// reaches Java: the method prints its fixed line on standard output and
+// writes its one-letter marker into byte 0 of the caller's record.
+#include <jni.h>
+
+#include <cstdio>
+#include <exception>
+#include <vector>
+
+#include "native/geocoder_service.h"
+#include "orlo_matcher.h"
+
+namespace orlo::native {
+namespace {
+
+constexpr jsize kNamelistSize = 30000;
+constexpr jsize kReclistSize = 7500;
+
+void say(const char *line) {
+  std::fputs(line, stdout);
+  std::fflush(stdout);
+}
+
+// Thrown when an argument cannot be obtained or is too short.
+struct BadArgument : std::exception {};
+
+// A Java byte array held as its elements for the length of one call;
+// released with mode 0 so that what the matcher wrote reaches Java.
+class ByteArg {
+ public:
+  ByteArg(JNIEnv *env, jbyteArray array) : env_(env), array_(array) {}
+  ~ByteArg() { release(); }
+  ByteArg(const ByteArg &) = delete;
+  ByteArg &operator=(const ByteArg &) = delete;
+
+  // Obtains the elements; the array must hold at least `min` bytes.
+  char *obtain(jsize min) {
+    if (array_ == nullptr || env_->GetArrayLength(array_) < min)
+      throw BadArgument();
+    data_ = env_->GetByteArrayElements(array_, nullptr);
+    if (data_ == nullptr) throw BadArgument();
+    return reinterpret_cast<char *>(data_);
+  }
+  bool is_null() const { return array_ == nullptr; }
+  // Writes a marker into byte 0, through the elements when they are held.
+  void mark(char marker) {
+    if (data_ != nullptr) {
+      data_[0] = marker;
+    } else if (array_ != nullptr && env_->GetArrayLength(array_) >= 1) {
+      jbyte b = marker;
+      env_->SetByteArrayRegion(array_, 0, 1, &b);
+    }
+  }
+  void release() {
+    if (data_ == nullptr) return;
+    env_->ReleaseByteArrayElements(array_, data_, 0);
+    data_ = nullptr;
+  }
+
+ private:
+  JNIEnv *env_;
+  jbyteArray array_;
+  jbyte *data_ = nullptr;
+};
+
+// A Java string held as modified UTF-8; a null string stays NULL.
+class StringArg {
+ public:
+  StringArg(JNIEnv *env, jstring s) : env_(env), string_(s) {}
+  ~StringArg() { release(); }
+  StringArg(const StringArg &) = delete;
+  StringArg &operator=(const StringArg &) = delete;
+
+  const char *obtain() {
+    if (string_ == nullptr) return nullptr;
+    chars_ = env_->GetStringUTFChars(string_, nullptr);
+    if (chars_ == nullptr) throw BadArgument();
+    return chars_;
+  }
+  void release() {
+    if (chars_ == nullptr) return;
+    env_->ReleaseStringUTFChars(string_, chars_);
+    chars_ = nullptr;
+  }
+
+ private:
+  JNIEnv *env_;
+  jstring string_;
+  const char *chars_ = nullptr;
+};
+
+// The sixteen Java parameters shared by open, process, minProcess, close.
+struct JavaArgs {
+  ByteArg inRec, outRec;
+  StringArg options, skipBaseDate;
+  StringArg line1, line2, line3, line4, line5, line6;
+  StringArg reportPath, level1Path, level2Path, basedataPath;
+  ByteArg namelist, reclist;
+  std::vector<char> scratch;  // list areas when Java passes null
+
+  // Obtains everything into a CallArgs.
+  CallArgs obtain() {
+    CallArgs a;
+    a.outRec = outRec.obtain(HKOUTREC_SIZE);
+    a.inRec = inRec.obtain(HKINREC_SIZE);
+    a.options = options.obtain();
+    a.skipBaseDate = skipBaseDate.obtain();
+    StringArg *lines[6] = {&line1, &line2, &line3, &line4, &line5, &line6};
+    for (int i = 0; i < 6; ++i) a.reportLine[i] = lines[i]->obtain();
+    a.reportPath = reportPath.obtain();
+    a.level1Path = level1Path.obtain();
+    a.level2Path = level2Path.obtain();
+    a.basedataPath = basedataPath.obtain();
+    a.namelist = list_area(namelist, kNamelistSize, 0);
+    a.reclist = list_area(reclist, kReclistSize, kNamelistSize);
+    return a;
+  }
+  void release() {
+    for (ByteArg *b : {&inRec, &outRec, &namelist, &reclist}) b->release();
+    for (StringArg *s :
+         {&options, &skipBaseDate, &line1, &line2, &line3, &line4, &line5,
+          &line6, &reportPath, &level1Path, &level2Path, &basedataPath})
+      s->release();
+  }
+
+ private:
+  // The list areas are used only by listing mode 3; a null array gets a
+  // private scratch area instead of a crash.
+  char *list_area(ByteArg &arg, jsize size, size_t offset) {
+    if (!arg.is_null()) return arg.obtain(size);
+    scratch.resize(kNamelistSize + kReclistSize);
+    return scratch.data() + offset;
+  }
+};
+
+// Runs one call with the arguments obtained; a failure prints `failed` and
+// leaves `marker` in the record, a failure while releasing prints `release`.
+template <typename Work>
+void run(JavaArgs &args, char marker, const char *failed, const char *release,
+         Work work) {
+  try {
+    CallArgs a = args.obtain();
+    work(a);
+  } catch (...) {
+    say(failed);
+    args.outRec.mark(marker);
+  }
+  try {
+    args.release();
+  } catch (...) {
+    say(release);
+  }
+}
+
+}  // namespace
+}  // namespace orlo::native
+
+using orlo::native::ByteArg;
+using orlo::native::CallArgs;
+using orlo::native::JavaArgs;
+using orlo::native::StringArg;
+
+#define ORLO_JAVA_PARAMS                                                      \
+  jbyteArray inRec, jbyteArray outRec, jstring options, jstring skipBaseDate, \
+      jstring line1, jstring line2, jstring line3, jstring line4,             \
+      jstring line5, jstring line6, jstring reportPath, jstring level1Path,   \
+      jstring level2Path, jstring basedataPath, jbyteArray namelist,          \
+      jbyteArray reclist
+
+#define ORLO_JAVA_ARGS                                                       \
+  JavaArgs args {                                                            \
+    ByteArg(env, inRec), ByteArg(env, outRec), StringArg(env, options),      \
+        StringArg(env, skipBaseDate), StringArg(env, line1),                 \
+        StringArg(env, line2), StringArg(env, line3), StringArg(env, line4), \
+        StringArg(env, line5), StringArg(env, line6),                        \
+        StringArg(env, reportPath), StringArg(env, level1Path),              \
+        StringArg(env, level2Path), StringArg(env, basedataPath),            \
+        ByteArg(env, namelist), ByteArg(env, reclist), {}                    \
+  }
+
+extern "C" {
+
+JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM *vm, void * /*reserved*/) {
+  pthread_mutex_init(&hkGeoMutex, nullptr);
+  JNIEnv *env = nullptr;
+  if (vm->GetEnv(reinterpret_cast<void **>(&env), JNI_VERSION_1_2) != JNI_OK ||
+      env == nullptr)
+    return JNI_VERSION_1_2;
+  return env->GetVersion();
+}
+
+JNIEXPORT jint JNICALL Java_pkgs_natives_OrloHKGeocoder_openGeocoder(
+    JNIEnv *env, jclass /*cls*/, ORLO_JAVA_PARAMS) {
+  ORLO_JAVA_ARGS;
+  int slot = -1;
+  orlo::native::run(
+      args, 'X', "orloHKGeocoder : exception in open\n",
+      "orloHKGeocoder.open : exception while releasing memory\n",
+      [&slot](const CallArgs &a) { slot = orlo::native::open_geocoder(a); });
+  return slot;
+}
+
+JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_process(
+    JNIEnv *env, jclass /*cls*/, jint handle, ORLO_JAVA_PARAMS) {
+  ORLO_JAVA_ARGS;
+  orlo::native::run(
+      args, 'Y', "orloHKGeocoder : exception in process\n",
+      "orloHKGeocoder.process : exception while releasing memory\n",
+      [handle](const CallArgs &a) {
+        orlo::native::process_geocoder(handle, a, "P");
+      });
+}
+
+JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_minProcess(
+    JNIEnv *env, jclass /*cls*/, jint handle, ORLO_JAVA_PARAMS) {
+  ORLO_JAVA_ARGS;
+  orlo::native::run(
+      args, 'Y', "orloHKGeocoder : exception in minProcess\n",
+      "orloHKGeocoder.minProcess : exception while releasing memory\n",
+      [handle](const CallArgs &a) {
+        orlo::native::process_geocoder(handle, a, "R");
+      });
+}
+
+JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_closeGeocoder(
+    JNIEnv *env, jclass /*cls*/, jint handle, ORLO_JAVA_PARAMS) {
+  ORLO_JAVA_ARGS;
+  orlo::native::run(
+      args, 'Z', "orloHKGeocoder:exception in close\n",
+      "orloHKGeocoder.close: exception while releasing memory\n",
+      [handle](const CallArgs &a) { orlo::native::close_geocoder(handle, a); });
+}
+
+JNIEXPORT jint JNICALL Java_pkgs_natives_OrloHKGeocoder_getErrorMsg(
+    JNIEnv *env, jclass /*cls*/, jbyteArray record) {
+  ByteArg rec(env, record);
+  try {
+    hk_doem(rec.obtain(1));
+  } catch (...) {
+    orlo::native::say("orloHKGeocoder:exception in getErrorMsg\n");
+    rec.mark('W');
+  }
+  try {
+    rec.release();
+  } catch (...) {
+    orlo::native::say(
+        "orloHKGeocoder.getErrorMsg : exception while releasing memory\n");
+  }
+  return 0;
+}
+
+JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_copyFields(
+    JNIEnv *env, jclass /*cls*/, jbyteArray source, jbyteArray inRec) {
+  ByteArg in(env, inRec);
+  ByteArg src(env, source);
+  try {
+    char *rec = in.obtain(HKINREC_SIZE);
+    hk_amat(src.obtain(HKSRCREC_SIZE), rec);
+  } catch (...) {
+    orlo::native::say("orloHKGeocoder : exception in copyFields\n");
+    in.mark('V');
+  }
+  try {
+    in.release();
+    src.release();
+  } catch (...) {
+    orlo::native::say(
+        "orloHKGeocoder.copyFields :  exception while releasing memory\n");
+  }
+}
+
+}  // extern "C"
