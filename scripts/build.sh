@@ -3,6 +3,7 @@
 #   scripts/build.sh release   optimised build in build/release
 #   scripts/build.sh asan      AddressSanitizer + UndefinedBehaviorSanitizer in build/asan
 #   scripts/build.sh tsan      ThreadSanitizer in build/tsan
+#   scripts/build.sh fuzz      libFuzzer targets (clang, ASan + UBSan) in build/fuzz
 set -euo pipefail
 cd "$(dirname "$0")/.."
 flavour=${1:-release}
@@ -10,7 +11,10 @@ case "$flavour" in
   release) args=(-DCMAKE_BUILD_TYPE=RelWithDebInfo) ;;
   asan) args=(-DCMAKE_BUILD_TYPE=Debug -DORLO_SANITIZE=address -DCMAKE_CXX_FLAGS=-O1 -DCMAKE_C_FLAGS=-O1) ;;
   tsan) args=(-DCMAKE_BUILD_TYPE=Debug -DORLO_SANITIZE=thread -DCMAKE_CXX_FLAGS=-O1 -DCMAKE_C_FLAGS=-O1) ;;
-  *) echo "usage: scripts/build.sh release|asan|tsan" >&2; exit 2 ;;
+  fuzz) export CC=clang CXX=clang++
+        args=(-DCMAKE_BUILD_TYPE=Debug -DORLO_FUZZ=ON -DORLO_SANITIZE=address -DORLO_BUILD_TESTS=OFF
+              -DORLO_BUILD_BENCH=OFF -DCMAKE_CXX_FLAGS=-O1 -DCMAKE_C_FLAGS=-O1) ;;
+  *) echo "usage: scripts/build.sh release|asan|tsan|fuzz" >&2; exit 2 ;;
 esac
 cmake -S . -B "build/$flavour" "${args[@]}" >/dev/null
 cmake --build "build/$flavour" -j"$(nproc)"

@@ -1,0 +1,167 @@
+// The handle table under the JNI entry points: slots, limits, invalid
+// handles, and instances used from several threads while others open and
+// close.
+#include "native/geocoder_service.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/test_db.h"
+
+namespace {
+
+using orlo::native::CallArgs;
+
+// Arguments of one call on the sample database, with the records it needs.
+struct Call {
+  std::string in = std::string(HKINREC_SIZE, ' ');
+  std::string out = std::string(HKOUTREC_SIZE, ' ');
+  std::string db = orlo::testing::sample_db_dir();
+  std::string l1 = db + "/LEVEL1", l2 = db + "/LEVEL2", bd = db + "/BASEDATA";
+  std::string options;
+
+  CallArgs args(bool files = true) {
+    CallArgs a;
+    a.inRec = in.data();
+    a.outRec = out.data();
+    a.options = options.c_str();
+    a.skipBaseDate = "20261101";
+    a.level1Path = files ? l1.c_str() : "/nonexistent/LEVEL1";
+    a.level2Path = files ? l2.c_str() : "/nonexistent/LEVEL2";
+    a.basedataPath = files ? bd.c_str() : "/nonexistent/BASEDATA";
+    return a;
+  }
+  void address(const char *premno, const char *street, const char *region) {
+    in.assign(HKINREC_SIZE, ' ');
+    in.replace(HKIN_PREMNO_OFF, std::string(premno).size(), premno);
+    in.replace(HKIN_STREET_OFF, std::string(street).size(), street);
+    in.replace(HKIN_REGION_OFF, std::string(region).size(), region);
+  }
+};
+
+int open_one(Call &c, const char *options = "L") {
+  c.options = options;
+  return orlo::native::open_geocoder(c.args());
+}
+
+void close_one(int handle) {
+  Call c;
+  c.options = "L";
+  orlo::native::close_geocoder(handle, c.args());
+}
+
+TEST(GeocoderService, TwoHundredInstancesThenTheLimit) {
+  Call c;
+  std::vector<int> handles;
+  for (int i = 0; i < kMaxGeocoders; ++i) handles.push_back(open_one(c));
+  for (int i = 0; i < kMaxGeocoders; ++i) ASSERT_EQ(handles[i], i);
+  ::testing::internal::CaptureStdout();
+  c.out[0] = '0';
+  EXPECT_EQ(open_one(c), -1);
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+            "\n Cannot run more than 200 HKGeocoders on one server");
+  EXPECT_EQ(c.out[0], 'L');
+  close_one(57);
+  EXPECT_EQ(open_one(c), 57);
+  for (int h : handles) close_one(h);
+  EXPECT_FALSE(orlo::native::handle_in_use(0));
+}
+
+TEST(GeocoderService, LowestFreeSlotIsReused) {
+  Call c;
+  int a = open_one(c), b = open_one(c), d = open_one(c);
+  EXPECT_EQ(b, a + 1);
+  close_one(b);
+  EXPECT_EQ(open_one(c), b);
+  for (int h : {a, b, d}) close_one(h);
+}
+
+TEST(GeocoderService, FailedOpenHoldsItsSlotUntilClosed) {
+  Call c;
+  int h = orlo::native::open_geocoder(c.args(false));
+  ASSERT_GE(h, 0);
+  EXPECT_EQ(c.out[0], '6');
+  EXPECT_TRUE(orlo::native::handle_in_use(h));
+  close_one(h);
+  EXPECT_FALSE(orlo::native::handle_in_use(h));
+}
+
+TEST(GeocoderService, InvalidHandlesAreAnsweredWithA) {
+  Call c;
+  int closed = open_one(c);
+  close_one(closed);
+  for (int h : {-1, kMaxGeocoders, 100000, closed}) {
+    for (const char *type : {"P", "R"}) {
+      c.out.assign(HKOUTREC_SIZE, ' ');
+      orlo::native::process_geocoder(h, c.args(), type);
+      EXPECT_EQ(c.out[0], 'A') << h << type;
+      EXPECT_EQ(c.out.substr(1), std::string(HKOUTREC_SIZE - 1, ' '));
+    }
+    close_one(h);  // does nothing, and must not crash
+  }
+}
+
+// Addresses of the sample database; their results on one thread are the
+// reference for every concurrent run.
+const std::vector<std::vector<const char *>> kAddresses = {
+    {"88", "NATHAN ROAD", "KLN"},   {"1", "QUEEN'S ROAD CENTRAL", "HK"},
+    {"500", "HENNESSY RD", "HK"},   {"12", "CASTLE PEAK ROAD", "NT"},
+    {"7", "NO SUCH STREET", "KLN"}, {"", "NATHAN ROAD", "KLN"},
+    {"33", "CANTON RD", "KLN"},     {"2", "DES VOEUX ROAD CENTRAL", "HK"},
+};
+
+std::vector<std::string> run_addresses(int handle, int rounds,
+                                       const char *type) {
+  Call c;
+  std::vector<std::string> outs;
+  for (int r = 0; r < rounds; ++r) {
+    for (const auto &a : kAddresses) {
+      c.address(a[0], a[1], a[2]);
+      c.options = "L";
+      orlo::native::process_geocoder(handle, c.args(), type);
+      outs.push_back(c.out);
+    }
+  }
+  return outs;
+}
+
+TEST(GeocoderServiceThreads, ProcessingRacesWithOpensClosesAndPrivateCopies) {
+  Call c;
+  int ref = open_one(c);
+  const std::vector<std::string> expected = run_addresses(ref, 20, "P");
+  close_one(ref);
+
+  constexpr int kWorkers = 6;
+  std::vector<int> handles;
+  for (int i = 0; i < kWorkers; ++i)
+    handles.push_back(open_one(c, i % 2 ? "LM" : "L"));
+  std::atomic<bool> stop{false};
+  std::atomic<int> mismatches{0};
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kWorkers; ++i) {
+    // Even workers process, odd ones use private copies ("R") of theirs.
+    const char *type = i % 2 ? "R" : "P";
+    threads.emplace_back([&, i, type] {
+      if (run_addresses(handles[i], 20, type) != expected) ++mismatches;
+    });
+  }
+  threads.emplace_back([&] {
+    while (!stop) {
+      Call mine;
+      int h = open_one(mine, "LM");
+      run_addresses(h, 1, "P");
+      close_one(h);
+    }
+  });
+  for (int i = 0; i < kWorkers; ++i) threads[i].join();
+  stop = true;
+  threads.back().join();
+  EXPECT_EQ(mismatches.load(), 0);
+  for (int h : handles) close_one(h);
+}
+
+}  // namespace
