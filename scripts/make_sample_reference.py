@@ -361,8 +361,10 @@ class Street:
             bldg, code9 = building(rng)
         elif kind < 0.88:  # floors or shops of a building
             bldg, code9 = building(rng)
-            qual = rng.choice(["FLOOR", "FLOOR", "SHOP"])
-            first = rng.randint(1, 12 if qual == "FLOOR" else 60)
+            # FLOOR/SHOP switches on the matcher's search for floor and
+            # shop keywords (12/F, SHOP 5) in the input's unit line.
+            qual = rng.choice(["FLOOR/SHOP", "FLOOR", "SHOP"])
+            first = rng.randint(1, 12 if qual.startswith("FLOOR") else 60)
             low, high = str(first), str(first + rng.randint(0, 25))
         else:  # a building without a number
             bldg, code9 = building(rng)
