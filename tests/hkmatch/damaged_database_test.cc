@@ -1,0 +1,218 @@
+// Exhaustive damage of the sample database: every truncation at a structural
+// boundary and a flip of every length, count, offset and presence byte, each
+// followed by an open and a few searches through the call interface. Every
+// outcome must be a defined return code (the sanitizer build adds: no bad
+// access, no leak). The counts of outcomes are printed with the results.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "lib/refdb_walk.h"
+#include "orlo_matcher.h"
+#include "support/test_db.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+uint32_t be32(const std::string &s, size_t at) {
+  auto b = [&](size_t i) {
+    return static_cast<uint32_t>(static_cast<unsigned char>(s[at + i]));
+  };
+  return b(0) << 24 | b(1) << 16 | b(2) << 8 | b(3);
+}
+uint16_t be16(const std::string &s, size_t at) {
+  return static_cast<uint16_t>(static_cast<unsigned char>(s[at]) << 8 |
+                               static_cast<unsigned char>(s[at + 1]));
+}
+
+// A structural byte or boundary of the database, with a street that a search
+// must reach to meet it.
+struct Spot {
+  const char *file;
+  size_t offset;
+  std::string region;
+  std::string street;
+};
+
+// The positions of every structural field of a sound database.
+struct Layout {
+  std::vector<Spot> numbers;     // offsets, lengths and counts
+  std::vector<Spot> presence;    // record length and presence bytes
+  std::vector<Spot> boundaries;  // starts of records, segments and blocks
+
+  explicit Layout(const orlo::tools::RefdbImages &img) {
+    for (size_t r = 0; r + 40 <= img.level1.size(); r += 40) {
+      if (be32(img.level1, r) == 0) break;  // the end record
+      std::string region = img.level1.substr(r, 30);
+      region.erase(region.find_last_not_of(' ') + 1);
+      boundaries.push_back({"LEVEL1", r, region, ""});
+      for (size_t i = 30; i < 40; ++i)
+        numbers.push_back({"LEVEL1", r + i, region, ""});
+      walk_segment(img, region, be32(img.level1, r + 30),
+                   be16(img.level1, r + 38));
+    }
+  }
+
+ private:
+  void walk_segment(const orlo::tools::RefdbImages &img,
+                    const std::string &region, size_t pos, size_t count) {
+    boundaries.push_back({"LEVEL2", pos, region, ""});
+    for (size_t k = 0; k < count; ++k) {
+      std::string name(img.level2.c_str() + pos + 10);
+      boundaries.push_back({"LEVEL2", pos, region, name});
+      for (size_t i = 0; i < 10; ++i)
+        numbers.push_back({"LEVEL2", pos + i, region, name});
+      walk_block(img, region, name, be32(img.level2, pos),
+                 be16(img.level2, pos + 8));
+      pos += 11 + name.size();
+    }
+  }
+  void walk_block(const orlo::tools::RefdbImages &img,
+                  const std::string &region, const std::string &street,
+                  size_t pos, size_t count) {
+    boundaries.push_back({"BASEDATA", pos, region, street});
+    for (size_t k = 0; k < count; ++k) {
+      for (size_t i = 0; i < 3; ++i)
+        presence.push_back({"BASEDATA", pos + i, region, street});
+      pos += static_cast<unsigned char>(img.basedata[pos]);
+    }
+  }
+};
+
+class DamagedDatabase : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir_ = orlo::testing::make_temp_dir();
+    for (const char *f : {"LEVEL1", "LEVEL2", "BASEDATA"})
+      fs::copy_file(orlo::testing::sample_db_dir() + "/" + f, dir_ + "/" + f);
+    std::string error;
+    ASSERT_TRUE(orlo::tools::load_reference_images(dir_, &images_, &error))
+        << error;
+  }
+  void TearDown() override {
+    fs::remove_all(dir_);
+    std::string summary;
+    for (const auto &[code, n] : outcomes_)
+      summary += " '" + std::string(1, code) + "':" + std::to_string(n);
+    std::printf("%d damaged databases, %d searches; return codes:%s\n", cases_,
+                searches_, summary.c_str());
+  }
+
+  const std::string &image(const char *file) const {
+    return !std::strcmp(file, "LEVEL1")   ? images_.level1
+           : !std::strcmp(file, "LEVEL2") ? images_.level2
+                                          : images_.basedata;
+  }
+
+  // Opens the damaged database in file or memory mode and searches the
+  // street of the spot and two fixed addresses.
+  void open_and_search(const Spot &spot, bool memory) {
+    ++cases_;
+    std::string l1 = dir_ + "/LEVEL1", l2 = dir_ + "/LEVEL2",
+                bd = dir_ + "/BASEDATA";
+    static char namelist[30000], reclist[7500];
+    const char *options = memory ? "LM" : "L";
+    HKHANDLE h{};
+    char out[HKOUTREC_SIZE];
+    auto call = [&](const char *type, const std::string &in) {
+      hk_mtci(type, &h, in.c_str(), out, options, "20260101", "", "", "", "",
+              "", "", "/dev/null", l1.c_str(), l2.c_str(), bd.c_str(), namelist,
+              reclist);
+    };
+    call("O", std::string(HKINREC_SIZE, ' '));
+    ASSERT_NE(std::strchr("0345678", out[0]), nullptr)
+        << spot.file << "@" << spot.offset;
+    for (const auto &[street, region] :
+         {std::pair{spot.street, spot.region},
+          std::pair{std::string("NATHAN ROAD"), std::string("KLN")},
+          std::pair{std::string("HENNESSY ROAD"), std::string("HK")}}) {
+      std::string in(HKINREC_SIZE, ' ');
+      in.replace(HKIN_PREMNO_OFF, 2, "12");
+      in.replace(HKIN_STREET_OFF, street.size(), street);
+      in.replace(HKIN_REGION_OFF, region.size(), region);
+      call("P", in);
+      ++searches_;
+      ++outcomes_[out[0]];
+      ASSERT_NE(std::strchr("0123456789A", out[0]), nullptr)
+          << spot.file << "@" << spot.offset;
+    }
+    call("C", std::string(HKINREC_SIZE, ' '));
+  }
+
+  // Writes `bytes` at `offset` of `file`, runs the searches in both modes and
+  // restores the original bytes.
+  void with_bytes(const Spot &spot, const std::string &bytes) {
+    std::string path = dir_ + "/" + spot.file;
+    int fd = ::open(path.c_str(), O_WRONLY);
+    ASSERT_GE(fd, 0);
+    ASSERT_EQ(
+        pwrite(fd, bytes.data(), bytes.size(), static_cast<off_t>(spot.offset)),
+        static_cast<ssize_t>(bytes.size()));
+    open_and_search(spot, false);
+    open_and_search(spot, true);
+    std::string original = image(spot.file).substr(spot.offset, bytes.size());
+    ASSERT_EQ(pwrite(fd, original.data(), original.size(),
+                     static_cast<off_t>(spot.offset)),
+              static_cast<ssize_t>(original.size()));
+    ::close(fd);
+  }
+
+  void truncated_at(const Spot &spot) {
+    std::string path = dir_ + "/" + spot.file;
+    ASSERT_EQ(truncate(path.c_str(), static_cast<off_t>(spot.offset)), 0);
+    open_and_search(spot, false);
+    open_and_search(spot, true);
+    FILE *f = std::fopen(path.c_str(), "r+b");
+    ASSERT_NE(f, nullptr);
+    const std::string &img = image(spot.file);
+    std::fseek(f, static_cast<long>(spot.offset), SEEK_SET);
+    std::fwrite(img.data() + spot.offset, 1, img.size() - spot.offset, f);
+    std::fclose(f);
+  }
+
+  std::string dir_;
+  orlo::tools::RefdbImages images_;
+  int cases_ = 0, searches_ = 0;
+  std::map<char, int> outcomes_;
+};
+
+TEST_F(DamagedDatabase, EveryNumberByteFlipped) {
+  Layout layout(images_);
+  ASSERT_GT(layout.numbers.size(), 5000u);
+  for (const Spot &s : layout.numbers) {
+    char b = image(s.file)[s.offset];
+    with_bytes(s, std::string(1, static_cast<char>(b ^ 0xFF)));
+    with_bytes(s, std::string(1, static_cast<char>(b + 1)));
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST_F(DamagedDatabase, EveryRecordLengthAndPresenceByteFlipped) {
+  Layout layout(images_);
+  ASSERT_GT(layout.presence.size(), 25000u);
+  for (const Spot &s : layout.presence) {
+    char b = image(s.file)[s.offset];
+    with_bytes(s, std::string(1, static_cast<char>(b ^ 0xFF)));
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST_F(DamagedDatabase, TruncatedAtEveryStructuralBoundary) {
+  Layout layout(images_);
+  ASSERT_GT(layout.boundaries.size(), 1000u);
+  for (const Spot &s : layout.boundaries) {
+    truncated_at(s);
+    if (HasFatalFailure()) return;
+  }
+}
+
+}  // namespace
