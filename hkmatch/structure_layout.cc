@@ -28,11 +28,12 @@ static_assert(offsetof(STREETENT, blen) < offsetof(STREETENT, bpack) &&
               offsetof(STREETENT, bunpk) < offsetof(STREETENT, bcnt) &&
               offsetof(STREETENT, sscore) < offsetof(STREETENT, sname));
 
-static_assert(sizeof(HKBASEREC::brefcode) == 4 && sizeof(HKBASEREC::brefid) == 6 &&
-              sizeof(HKBASEREC::bbldg) == 31 && sizeof(HKBASEREC::bparity) == 2 &&
-              sizeof(HKBASEREC::bqual1) == 13 && sizeof(HKBASEREC::blotext) == 6 &&
-              sizeof(HKBASEREC::bqual2) == 13 && sizeof(HKBASEREC::bhitext) == 6 &&
-              sizeof(HKBASEREC::bfld9) == 35 && sizeof(HKBASEREC::baddr) == 31);
+static_assert(
+    sizeof(HKBASEREC::brefcode) == 4 && sizeof(HKBASEREC::brefid) == 6 &&
+    sizeof(HKBASEREC::bbldg) == 31 && sizeof(HKBASEREC::bparity) == 2 &&
+    sizeof(HKBASEREC::bqual1) == 13 && sizeof(HKBASEREC::blotext) == 6 &&
+    sizeof(HKBASEREC::bqual2) == 13 && sizeof(HKBASEREC::bhitext) == 6 &&
+    sizeof(HKBASEREC::bfld9) == 35 && sizeof(HKBASEREC::baddr) == 31);
 static_assert(same<decltype(HKBASEREC::bmscore), int16_t> &&
               same<decltype(HKBASEREC::bscore), int32_t> &&
               same<decltype(HKBASEREC::bpen), int32_t>);
@@ -42,13 +43,16 @@ static_assert(offsetof(HKBASEREC, baddr) < offsetof(HKBASEREC, bside) &&
               offsetof(HKBASEREC, bpen) < offsetof(HKBASEREC, blorc) &&
               offsetof(HKBASEREC, bhisub) < offsetof(HKBASEREC, bhisubtyp));
 
-static_assert(sizeof(HKWORKREC::wk_premno) == 9 && sizeof(HKWORKREC::wk_street) == 31 &&
-              sizeof(HKWORKREC::wk_unit) == 31 && sizeof(HKWORKREC::wk_region) == 31 &&
+static_assert(sizeof(HKWORKREC::wk_premno) == 9 &&
+              sizeof(HKWORKREC::wk_street) == 31 &&
+              sizeof(HKWORKREC::wk_unit) == 31 &&
+              sizeof(HKWORKREC::wk_region) == 31 &&
               sizeof(HKWORKREC::wk_refcode) == 4);
-static_assert(offsetof(HKWORKREC, wk_refcode) + 4 == offsetof(HKWORKREC, wk_unused) &&
-              offsetof(HKWORKREC, wk_unused) + 2 == offsetof(HKWORKREC, wk_mode) &&
-              offsetof(HKWORKREC, wk_mode) < offsetof(HKWORKREC, wk_premrc) &&
-              offsetof(HKWORKREC, wk_prem2) < offsetof(HKWORKREC, wk_prem2kind));
+static_assert(
+    offsetof(HKWORKREC, wk_refcode) + 4 == offsetof(HKWORKREC, wk_unused) &&
+    offsetof(HKWORKREC, wk_unused) + 2 == offsetof(HKWORKREC, wk_mode) &&
+    offsetof(HKWORKREC, wk_mode) < offsetof(HKWORKREC, wk_premrc) &&
+    offsetof(HKWORKREC, wk_prem2) < offsetof(HKWORKREC, wk_prem2kind));
 
 static_assert(sizeof(HKMCB::outpath) == 200 && sizeof(HKMCB::lastkey) == 30 &&
               sizeof(HKMCB::lastname) == 31);
