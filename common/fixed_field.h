@@ -23,7 +23,9 @@ inline std::string_view field_view(const char *rec, FieldRef f) {
 }
 
 // Fills n bytes with blanks.
-inline void fill_blanks(char *p, size_t n) { std::memset(p, kBlank, n); }
+inline void fill_blanks(char *p, size_t n) {
+  std::memset(p, kBlank, n);
+}
 
 // Copies text into field f, cut to the width and blank-padded.
 inline void put_field(char *rec, FieldRef f, std::string_view text) {

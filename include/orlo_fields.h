@@ -45,9 +45,9 @@ ORLO_API int32_t cm_bllz(char *field, int32_t len);
 /* Formats the NUL-terminated number text `src` with a comma between groups of
  * three digits, right-aligned in `out` (outlen bytes, the last one receiving
  * the NUL). Returns a pointer into `out` at the first character of the
- * formatted text, or NULL when src is NULL (out untouched). Never writes
- * outside out[0 .. outlen-1]: text that does not fit is cut on the left, and
- * an empty source or an outlen below 2 gives an empty string. */
+ * formatted text, or NULL when src is NULL or outlen is below 1 (out
+ * untouched). Never writes outside out[0 .. outlen-1]: text that does not
+ * fit is cut on the left, and an empty source gives an empty string. */
 ORLO_API char *cm_cfrmt(const char *src, char *out, int32_t outlen);
 
 /* Wide twins of cm_lftadj, cm_lftpck and cm_rhtadj over 16-bit units. */

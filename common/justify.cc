@@ -1,0 +1,62 @@
+// Left and right justification and blank packing of byte fields.
+#include <cstring>
+
+#include "common/squeeze.h"
+#include "common/work_area.h"
+#include "orlo_fields.h"
+
+namespace orlo {
+namespace detail {
+thread_local int fail_work_areas = 0;
+}  // namespace detail
+
+namespace {
+
+constexpr bool is_blank(char c) {
+  return c == ' ';
+}
+
+}  // namespace
+}  // namespace orlo
+
+using orlo::WorkArea;
+
+extern "C" int32_t cm_lftadj(char *field, int32_t len) {
+  if (len < 0) return -1;
+  if (len == 0) return 0;
+  WorkArea<char> work(static_cast<size_t>(len));
+  if (!work.ok()) return -1;
+  std::memset(work.data(), ' ', static_cast<size_t>(len));
+  int32_t n = orlo::squeeze_into(field, len, work.data(), orlo::is_blank);
+  if (n < 0) return 0;
+  std::memcpy(field, work.data(), static_cast<size_t>(len));
+  return n;
+}
+
+extern "C" int32_t cm_rhtadj(char *field, int32_t len) {
+  if (len < 0) return -1;
+  if (len == 0) return 0;
+  WorkArea<char> work(static_cast<size_t>(len));
+  if (!work.ok()) return -1;
+  std::memset(work.data(), ' ', static_cast<size_t>(len));
+  int32_t n = orlo::squeeze_into(field, len, work.data(), orlo::is_blank);
+  if (n < 0) return 0;
+  std::memset(field, ' ', static_cast<size_t>(len - n));
+  std::memcpy(field + (len - n), work.data(), static_cast<size_t>(n));
+  return n;
+}
+
+extern "C" int32_t cm_lftpck(char *field, int32_t len) {
+  if (len < 0) return -1;
+  if (len == 0) return 0;
+  WorkArea<char> work(static_cast<size_t>(len));
+  if (!work.ok()) return -1;
+  int32_t n = 0;
+  for (int32_t i = 0; i < len; ++i) {
+    if (!orlo::is_blank(field[i])) work.data()[n++] = field[i];
+  }
+  if (n == 0) return 0;
+  std::memset(work.data() + n, ' ', static_cast<size_t>(len - n));
+  std::memcpy(field, work.data(), static_cast<size_t>(len));
+  return n;
+}
