@@ -82,16 +82,6 @@ void compare(Pass &p, HKBASEREC &rec, const STREETENT &e, bool reused) {
   list_record(p, rec, e, r);
 }
 
-// Makes *buf hold at least `need` elements of `size` bytes, keeping a
-// buffer that is already large enough. Returns false when storage fails.
-bool ensure(void **buf, int64_t *cap, int64_t need, size_t size) {
-  if (*buf != nullptr && *cap >= need) return true;
-  std::free(*buf);
-  *buf = search_alloc(static_cast<size_t>(need), size);
-  *cap = *buf != nullptr ? need : 0;
-  return *buf != nullptr;
-}
-
 // Gets the street's packed block: from its cache, else from the memory
 // image or the file, caching it when the region's budget allows.
 char fetch_block(HKMCB *mcb, STREETENT &e, const unsigned char **block) {
@@ -198,15 +188,11 @@ char score_street(Pass &p, STREETENT &e, int32_t i) {
 
 char score_fresh(Pass &p, int64_t total, uint32_t maxlen) {
   HKMCB *mcb = p.mcb;
-  if (mcb->outmode == 0 && !ensure(reinterpret_cast<void **>(&mcb->baserecs),
-                                   &mcb->reccap, total, sizeof(HKBASEREC))) {
+  if (mcb->outmode == 0 && !reserve(&mcb->baserecs, &mcb->reccap, total)) {
     return '3';
   }
   mcb->basecur = mcb->baserecs;
-  if (!ensure(reinterpret_cast<void **>(&mcb->blockbuf), &mcb->blockcap, maxlen,
-              1)) {
-    return '3';
-  }
+  if (!reserve(&mcb->blockbuf, &mcb->blockcap, maxlen)) return '3';
   for (int32_t i = 0; i < p.in.count; ++i) {
     char code = score_street(p, *mcb->cands[i], i);
     if (code != '0') return code;

@@ -68,7 +68,7 @@ int32_t no_region(Search &s) {
 char select_region(Search &s, const char *key) {
   HKMCB *mcb = s.mcb;
   const char *street = s.work->wk_street;
-  if (mcb->lvl2tab != nullptr && std::memcmp(key, mcb->lastkey, kKeyLen) == 0) {
+  if (std::memcmp(key, mcb->lastkey, kKeyLen) == 0) {
     if (street[0] != '\0' &&
         std::strncmp(street, mcb->lastname, sizeof mcb->lastname) == 0) {
       s.reuse = true;
@@ -78,7 +78,7 @@ char select_region(Search &s, const char *key) {
     return '0';
   }
   forget_last(mcb);
-  drop_region_data(mcb);
+  drop_region(mcb);
   int32_t idx = find_region(mcb, key);
   if (idx < 0) return '1';
   std::memcpy(mcb->lastkey, key, kKeyLen);

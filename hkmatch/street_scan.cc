@@ -91,17 +91,22 @@ Verdict judge_exact(const Scan &s, const char *name, int *score) {
   return c > 0 ? Verdict::kSkip : Verdict::kEnd;
 }
 
-Verdict judge_fuzzy(const Scan &s, const STREETENT &e, const char *name,
-                    int *score) {
+Verdict judge_fuzzy(const Scan &s, const STREETENT &e, char *name, int *score) {
   if (s.input[0] == ' ') return Verdict::kEnd;
-  if (std::strncmp(e.sname, kPoBox.data(), kPoBox.size()) == 0) {
+  if (e.sname[0] == 'P' &&
+      std::strncmp(e.sname, kPoBox.data(), kPoBox.size()) == 0) {
     return Verdict::kSkip;
   }
   if (s.req.in_mode == '3') return Verdict::kSkip;
-  size_t name_len = strnlen(e.sname, sizeof e.sname);
-  if (!admitted(s, name, name_len)) {
-    auto in0 = static_cast<unsigned char>(s.input[0]);
-    auto nm0 = static_cast<unsigned char>(name[0]);
+  auto in0 = static_cast<unsigned char>(s.input[0]);
+  auto nm0 = padded_initial(e);
+  // Every admission test but the first needs equal initials; deciding on
+  // them first spares padding the names that cannot be let through.
+  if (s.mcb->passopt != 2 && in0 != nm0) {
+    return in0 < nm0 ? Verdict::kEnd : Verdict::kSkip;
+  }
+  pad_name(e.sname, name);
+  if (!admitted(s, name, strnlen(e.sname, sizeof e.sname))) {
     return in0 < nm0 ? Verdict::kEnd : Verdict::kSkip;
   }
   int32_t v = m_street(s.input, name, kPaddedName, nullptr);
@@ -111,9 +116,17 @@ Verdict judge_fuzzy(const Scan &s, const STREETENT &e, const char *name,
 
 // Index of the first entry to look at, or -1 for an empty scan.
 int32_t start_entry(const Scan &s) {
-  if (s.mode != Mode::kExact) return 0;
-  if (s.input_len == 0) return 0;  // the scan ends at once
-  return find_street(s.mcb, s.input);
+  if (s.mode == Mode::kExact) {
+    if (s.input_len == 0) return 0;  // the scan ends at once
+    return find_street(s.mcb, s.input);
+  }
+  // In a table in order of initials the fuzzy scan would skip every name
+  // whose initial sorts before the input's one by one; start after them.
+  if (s.mode == Mode::kFuzzy && s.mcb->lvl2initials && s.input[0] != ' ' &&
+      s.mcb->passopt != 2 && s.req.in_mode != '3') {
+    return first_with_initial(s.mcb, static_cast<unsigned char>(s.input[0]));
+  }
+  return 0;
 }
 
 char run_scan(Scan &s) {
@@ -132,10 +145,11 @@ char run_scan(Scan &s) {
       score = kExactScore;
     } else if (s.req.pass == 0 && s.input_len == 0) {
       v = Verdict::kEnd;
-    } else {
+    } else if (s.mode == Mode::kExact) {
       pad_name(e.sname, name);
-      v = s.mode == Mode::kExact ? judge_exact(s, name, &score)
-                                 : judge_fuzzy(s, e, name, &score);
+      v = judge_exact(s, name, &score);
+    } else {
+      v = judge_fuzzy(s, e, name, &score);
     }
     if (v == Verdict::kEnd) break;
     if (v == Verdict::kSkip || score < kCandidateScore) continue;
@@ -154,13 +168,7 @@ bool begins_with_street_type(const char *padded) {
 }
 
 char reset_candidates(HKMCB *mcb) {
-  if (mcb->cands == nullptr) {
-    mcb->cands = static_cast<STREETENT **>(
-        search_alloc(static_cast<size_t>(kCandidateStep), sizeof(STREETENT *)));
-    if (mcb->cands == nullptr) return '3';
-    mcb->candcap = kCandidateStep;
-  }
-  return '0';
+  return reserve(&mcb->cands, &mcb->candcap, kCandidateStep) ? '0' : '3';
 }
 
 char collect_candidates(HKMCB *mcb, const ScanRequest &req, int32_t *count,

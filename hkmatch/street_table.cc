@@ -24,26 +24,44 @@ uint16_t be16(const unsigned char *p) {
   return static_cast<uint16_t>((p[0] << 8) | p[1]);
 }
 
-// Fills the table from the segment. Returns false when a record's head or
-// its NUL-terminated name (at most 30 characters) does not lie inside the
-// segment, or the segment ends before the last record.
+// Copies the NUL-terminated name at `name`, of which `room` bytes lie in
+// the segment, into sname. Returns its length, or -1 when no NUL ends it
+// within the segment and within 30 characters.
+int copy_name(const unsigned char *name, size_t room, char *sname) {
+  size_t limit = room < kMaxName + 1 ? room : kMaxName + 1;
+  for (size_t k = 0; k < limit; ++k) {
+    sname[k] = static_cast<char>(name[k]);
+    if (name[k] == 0) return static_cast<int>(k);
+  }
+  return -1;
+}
+
+// Fills every field of the table's entries from the segment. Returns false
+// when a record's head or its name does not lie inside the segment, or the
+// segment ends before the last record.
 bool walk_segment(const unsigned char *seg, size_t len, STREETENT *tab,
                   uint16_t count) {
   size_t pos = 0;
   for (uint16_t i = 0; i < count; ++i) {
     if (len - pos < kRecordHead + 1) return false;
-    const unsigned char *name = seg + pos + kRecordHead;
-    size_t room = len - pos - kRecordHead;
-    const void *nul =
-        std::memchr(name, 0, room < kMaxName + 1 ? room : kMaxName + 1);
-    if (nul == nullptr) return false;
-    size_t n = static_cast<const unsigned char *>(nul) - name;
     STREETENT &e = tab[i];
+    int n =
+        copy_name(seg + pos + kRecordHead, len - pos - kRecordHead, e.sname);
+    if (n < 0) return false;
     e.boff = be32(seg + pos);
     e.blen = be32(seg + pos + 4);
     e.bcnt = be16(seg + pos + 8);
-    std::memcpy(e.sname, name, n + 1);
-    pos += kRecordHead + n + 1;
+    e.bpack = nullptr;
+    e.bunpk = nullptr;
+    e.sscore = 0;
+    pos += kRecordHead + static_cast<size_t>(n) + 1;
+  }
+  return true;
+}
+
+bool in_order_of_initials(const STREETENT *tab, uint16_t count) {
+  for (uint16_t i = 1; i < count; ++i) {
+    if (padded_initial(tab[i]) < padded_initial(tab[i - 1])) return false;
   }
   return true;
 }
@@ -76,27 +94,36 @@ int32_t find_region(const HKMCB *mcb, const char *key) {
 
 char load_street_table(HKMCB *mcb, int32_t idx) {
   const L1ENTRY &region = mcb->lvl1tab[idx];
-  mcb->lvl2buf = static_cast<char *>(search_alloc(region.l2len, 1));
-  if (mcb->lvl2buf == nullptr) return '3';
+  if (!reserve(&mcb->lvl2buf, &mcb->lvl2bufcap, region.l2len)) return '3';
   if (region.l2len > 0 &&
       read_level2(mcb, region.l2off, region.l2len, mcb->lvl2buf) != '0') {
-    drop_region_data(mcb);
     return '4';
   }
-  mcb->lvl2tab = static_cast<STREETENT *>(
-      search_alloc(region.l2cnt, sizeof(STREETENT), /*zero=*/true));
-  if (mcb->lvl2tab == nullptr) {
-    drop_region_data(mcb);
-    return '3';
-  }
-  mcb->cacheused = 0;
+  // Not zero-filled: the walk sets every field that is read, and an entry
+  // counts only once lvl2cnt says so.
+  if (!reserve(&mcb->lvl2tab, &mcb->lvl2tabcap, region.l2cnt)) return '3';
   if (!walk_segment(reinterpret_cast<const unsigned char *>(mcb->lvl2buf),
                     region.l2len, mcb->lvl2tab, region.l2cnt)) {
-    drop_region_data(mcb);
     return '4';
   }
+  mcb->cacheused = 0;
   mcb->lvl2cnt = region.l2cnt;
+  mcb->lvl2initials = in_order_of_initials(mcb->lvl2tab, mcb->lvl2cnt);
   return '0';
+}
+
+int32_t first_with_initial(const HKMCB *mcb, unsigned char c) {
+  int32_t low = 0;
+  int32_t high = mcb->lvl2cnt;
+  while (low < high) {
+    int32_t mid = low + (high - low) / 2;
+    if (padded_initial(mcb->lvl2tab[mid]) < c) {
+      low = mid + 1;
+    } else {
+      high = mid;
+    }
+  }
+  return low;
 }
 
 int32_t find_street(const HKMCB *mcb, const char *padded) {
@@ -118,29 +145,14 @@ int32_t find_street(const HKMCB *mcb, const char *padded) {
   return -1;
 }
 
-void drop_candidates(HKMCB *mcb) {
-  std::free(mcb->baserecs);
-  mcb->baserecs = nullptr;
-  mcb->basecur = nullptr;
-  std::free(mcb->blockbuf);
-  mcb->blockbuf = nullptr;
-  std::free(mcb->cands);
-  mcb->cands = nullptr;
-}
-
-void drop_region_data(HKMCB *mcb) {
-  drop_candidates(mcb);
-  if (mcb->lvl2tab != nullptr) {
-    for (uint16_t i = 0; i < mcb->lvl2cnt; ++i) {
-      std::free(mcb->lvl2tab[i].bpack);
-      std::free(mcb->lvl2tab[i].bunpk);
-    }
-    std::free(mcb->lvl2tab);
-    mcb->lvl2tab = nullptr;
+void drop_region(HKMCB *mcb) {
+  for (uint16_t i = 0; i < mcb->lvl2cnt; ++i) {
+    STREETENT &e = mcb->lvl2tab[i];
+    if (e.bpack != nullptr) std::free(e.bpack);
+    if (e.bunpk != nullptr) std::free(e.bunpk);
   }
   mcb->lvl2cnt = 0;
-  std::free(mcb->lvl2buf);
-  mcb->lvl2buf = nullptr;
+  mcb->lvl2initials = 0;
   mcb->cacheused = 0;
 }
 
