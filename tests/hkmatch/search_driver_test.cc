@@ -275,4 +275,189 @@ TEST_P(Search, ModeThreeStopsAfterTheExactPass) {
   EXPECT_EQ(o.matchstat(), '2');
 }
 
+// ---- The fuzzy pass ------------------------------------------------------
+
+// Likeness of two street names as the fuzzy pass asks for it.
+int32_t street_score(const std::string &a, const std::string &b) {
+  std::string pa = orlo::testing::pad(a, 31), pb = orlo::testing::pad(b, 31);
+  return m_street(pa.c_str(), pb.c_str(), 31, nullptr);
+}
+
+struct FuzzyCase {
+  const char *name;
+  const char *input;
+  const char *reference;
+};
+
+class FuzzyHit : public ::testing::TestWithParam<FuzzyCase> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    Errors, FuzzyHit,
+    ::testing::Values(FuzzyCase{"Typo", "NATHAN RAOD", "NATHAN ROAD"},
+                      FuzzyCase{"Abbreviation", "SHANGHAI ST",
+                                "SHANGHAI STREET"},
+                      FuzzyCase{"MissingApostrophe", "QUEENS ROAD CENTRAL",
+                                "QUEEN'S ROAD CENTRAL"}),
+    [](const auto &info) { return std::string(info.param.name); });
+
+TEST_P(FuzzyHit, SecondPassFindsTheStreet) {
+  const FuzzyCase &c = GetParam();
+  int32_t score = street_score(c.input, c.reference);
+  ASSERT_GE(score, 90);
+  ASSERT_LT(score, 100);
+  TestDb db(kCsv);
+  Geocoder g(db);
+  std::string region =
+      std::string(c.reference) == "QUEEN'S ROAD CENTRAL" ? "HK" : "KLN";
+  Outcome o = g.search({region, c.input, "12"});
+  EXPECT_EQ(o.ret, 0);
+  EXPECT_EQ(o.retcode(), '1');
+  EXPECT_EQ(o.matchstat(), '0');
+  EXPECT_EQ(o.street(), c.reference);
+  EXPECT_EQ(o.out[HKOUT_GRADE_OFF], '1');  // a street below 100: a penalty
+  EXPECT_EQ(g.mcb()->laststat, 1);
+  ASSERT_EQ(g.mcb()->lastcnt, 1);
+  EXPECT_EQ(g.mcb()->cands[0]->sscore, score);
+
+  // With pass option 1 there is no fuzzy pass.
+  Geocoder exact_only(db, "4");
+  o = exact_only.search({region, c.input, "12"});
+  EXPECT_EQ(o.retcode(), '0');
+  EXPECT_EQ(o.matchstat(), '2');
+  EXPECT_EQ(exact_only.mcb()->laststat, 1);
+}
+
+// "ST " is a street-type word: every name with the same initial goes to the
+// comparison. "SX" is not, and the name fails every character test.
+TEST(FuzzyPass, StreetTypeWordAdmitsEveryNameWithItsInitial) {
+  ASSERT_GE(street_score("ST JOHNS ROAD", "SAINT JOHNS ROAD"), 90);
+  ASSERT_GE(street_score("SX JOHNS ROAD", "SAINT JOHNS ROAD"), 90);
+  TestDb db(std::string(kCsv) + "KLN,SAINT JOHNS ROAD,K05,00050,,,,1,,99,,\n");
+  Geocoder g(db);
+  EXPECT_EQ(g.search({"KLN", "ST JOHNS ROAD", "12"}).refid(), "00050");
+  Outcome o = g.search({"KLN", "SX JOHNS ROAD", "12"});
+  EXPECT_EQ(o.retcode(), '0');
+  EXPECT_EQ(o.matchstat(), '2');
+}
+
+// Names that begin with "PO BOX " are never compared in the fuzzy pass, not
+// even with themselves; a name that is just "PO BOX" is.
+TEST(FuzzyPass, PostBoxNamesAreSkipped) {
+  ASSERT_GE(street_score("PO BOXES 123", "PO BOX 123"), 90);
+  TestDb db(
+      "KLN,PO BOX,K07,00070,,,,,,,,\n"
+      "KLN,PO BOX 123,K07,00071,,,,,,,,\n");
+  Geocoder g(db);
+  EXPECT_EQ(g.search({"KLN", "PO BOXES 123", ""}).matchstat(), '2');
+  // At level 2 the only pass is fuzzy.
+  EXPECT_EQ(g.search({"KLN", "PO BOX 123", ""}, 2).matchstat(), '2');
+  EXPECT_EQ(g.search({"KLN", "PO BOX 123", ""}).refid(), "00071");
+  EXPECT_EQ(g.search({"KLN", "PO BOX", ""}, 2).refid(), "00070");
+  EXPECT_EQ(g.search({"KLN", "PO BOXX", ""}).refid(), "00070");
+}
+
+// NATHAN ROAD holds no 99; NATHAN ROAD EAST, a fuzzy candidate, does.
+constexpr const char *kEastCsv =
+    "KLN,NATHAN ROAD,K01,00001,,,,10,,20,,\n"
+    "KLN,NATHAN ROAD,K01,00002,OCEAN CENTRE,,,1,,99,,\n"
+    "KLN,NATHAN ROAD EAST,K01,00009,,,,1,,99,,\n";
+
+TEST(FuzzyPass, ExactStreetStopsTheSecondPassUnlessPassOptionIsTwo) {
+  ASSERT_EQ(street_score("NATHAN ROAD", "NATHAN ROAD EAST"), 90);
+  TestDb db(kEastCsv);
+  for (const char *options : {"", "4"}) {
+    Geocoder g(db, options);
+    Outcome o = g.search({"KLN", "NATHAN ROAD", "99"});
+    EXPECT_EQ(o.retcode(), '0') << options;
+    EXPECT_EQ(o.matchstat(), '4') << options;
+    EXPECT_EQ(g.mcb()->laststat, 1);
+  }
+  Geocoder g(db, "5");
+  Outcome o = g.search({"KLN", "NATHAN ROAD", "99"});
+  EXPECT_EQ(o.retcode(), '1');
+  EXPECT_EQ(o.refid(), "00009");
+  EXPECT_EQ(g.mcb()->laststat, 1);
+  EXPECT_EQ(g.mcb()->lastcnt, 2);  // both streets in the second pass
+}
+
+// In listing mode 3 with an exact street at hand, the records of other
+// streets are not summarised.
+TEST(FuzzyPass, SummariesKeepToTheExactStreet) {
+  TestDb db(kEastCsv);
+  Geocoder g(db, "B");  // listing mode 3, pass option 2
+  Outcome o = g.search({"KLN", "NATHAN ROAD", "99"});
+  EXPECT_EQ(o.refid(), "00009");
+  EXPECT_EQ(g.reclist.substr(0, 8), "K0100002");  // rejected on its building
+  EXPECT_EQ(g.reclist.substr(150), std::string(7350, ' '));
+}
+
+// A table out of the order of initials is scanned from its first entry,
+// and the scan ends at the first name whose initial sorts after the
+// input's, as it would without the shortcut.
+TEST(FuzzyPass, TableOutOfOrderIsScannedFromItsStart) {
+  TestDb db(kCsv);
+  {
+    Geocoder g(db);
+    EXPECT_EQ(g.search({"KLN", "ARGYLE STRET", "7"}).refid(), "00020");
+    EXPECT_EQ(g.mcb()->lvl2initials, 1);
+  }
+  // Exchange ARGYLE STREET and NATHAN ROAD, the first two of KLN.
+  std::string l1 = orlo::testing::read_file(db.level1());
+  std::string l2 = orlo::testing::read_file(db.level2());
+  size_t a = orlo::testing::level2_record(l1, l2, "KLN", "ARGYLE STREET");
+  size_t n = orlo::testing::level2_record(l1, l2, "KLN", "NATHAN ROAD");
+  ASSERT_EQ(n, a + 11 + 13);
+  size_t end = n + 11 + 11;
+  l2 = l2.substr(0, a) + l2.substr(n, end - n) + l2.substr(a, n - a) +
+       l2.substr(end);
+  orlo::testing::write_file(db.level2(), l2);
+
+  Geocoder g(db);
+  Outcome o = g.search({"KLN", "ARGYLE STRET", "7"});
+  EXPECT_EQ(g.mcb()->lvl2initials, 0);
+  EXPECT_EQ(o.matchstat(), '2');  // ended at NATHAN ROAD
+  EXPECT_EQ(g.search({"KLN", "SHANGHAI STRET", "7"}).refid(), "00030");
+}
+
+// The threshold on a fuzzy street of score 92: a record without a number
+// against an input without one and with another reference code scores 94
+// (sum 186, chosen); a record without a number against an input with one
+// scores 93 (sum 185, not chosen, status '0' turned into '4').
+TEST(FuzzyPass, MeanOf93IsChosenAndOf92Point5IsNot) {
+  ASSERT_EQ(street_score("NATHAN RAOD", "NATHAN ROAD"), 92);
+  ASSERT_EQ(street_score("ARGYLE STRET", "ARGYLE STREET"), 92);
+  TestDb db(
+      "KLN,NATHAN ROAD,K01,00001,,,,10,,20,,\n"
+      "KLN,ARGYLE STREET,K02,00020,,,,,,,,\n");
+  Geocoder g(db);
+  Outcome o = g.search({"KLN", "NATHAN RAOD", "", "", "", "ZZZ"});
+  EXPECT_EQ(g.mcb()->baserecs[0].bscore, 92);
+  EXPECT_EQ(g.mcb()->baserecs[0].bmscore, 94);
+  EXPECT_EQ(o.retcode(), '1');
+  EXPECT_EQ(o.refid(), "00001");
+
+  o = g.search({"KLN", "ARGYLE STRET", "12", "", "", "ZZZ"});
+  EXPECT_EQ(g.mcb()->baserecs[0].bscore, 92);
+  EXPECT_EQ(g.mcb()->baserecs[0].bmscore, 93);
+  EXPECT_EQ(o.retcode(), '0');
+  EXPECT_EQ(o.matchstat(), '4');
+  EXPECT_EQ(g.mcb()->laststat, 2);
+}
+
+// ---- The sample database ------------------------------------------------
+
+TEST(SampleDatabase, ExactAndFuzzyStreets) {
+  Geocoder g(orlo::testing::sample_db_dir());
+  ASSERT_TRUE(g.opened());
+  Outcome o = g.search({"HK", "UPPER LASCAR ROW", "3"});
+  EXPECT_EQ(o.refid(), "03000");
+  EXPECT_EQ(g.mcb()->laststat, 0);
+  o = g.search({"KLN", "CARNARVON RD", "31", "FOOK LEE CENTRE"});
+  EXPECT_EQ(o.refid(), "03017");
+  EXPECT_EQ(o.street(), "CARNARVON ROAD");
+  EXPECT_EQ(g.mcb()->laststat, 1);
+  o = g.search({"NT", "NO SUCH ROAD", "3"});
+  EXPECT_EQ(o.matchstat(), '2');
+}
+
 }  // namespace
