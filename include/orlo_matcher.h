@@ -105,6 +105,13 @@ typedef struct HKMCB {
    * which every offset and length read from the reference data is checked. */
   int64_t lvl2size;
   int64_t basesize;
+  /* Capacities of the search's reusable buffers, so that a search on warm
+   * caches allocates nothing: entries of cands, records of baserecs, bytes
+   * of blockbuf. Each one counts only while its pointer is non-NULL, so a
+   * copy that clears the pointers (an "R" call) needs no other change. */
+  int64_t candcap;
+  int64_t reccap;
+  int64_t blockcap;
 } HKMCB;
 
 /* The handle area of one instance: word 0 holds the HKMCB address, the rest
