@@ -151,12 +151,12 @@ int64_t count_level1(FILE *fp) {
   return n;
 }
 
-// Loads at most cap records; the count is that of the first pass, so a file
-// that grew in between cannot overrun the index.
+// Loads the records with the stop rule of the count, but never more than
+// cap of them: a file that grew since the count cannot overrun the index.
 int32_t read_level1(FILE *fp, L1ENTRY *tab, int64_t cap) {
   unsigned char rec[kLevel1RecordSize];
   int32_t n = 0;
-  while (n < cap && next_level1(fp, rec)) {
+  while (next_level1(fp, rec) && n < cap) {
     L1ENTRY &e = tab[n++];
     std::memcpy(e.l1key, rec, kLevel1KeySize);
     e.l2off = be32(rec + 30);

@@ -3,7 +3,6 @@
 // that the search uses on data read from BASEDATA).
 #include "hkmatch/packed_record.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -122,8 +121,9 @@ void store_text(HKBASEREC *out, const FieldSlot &slot, const char *text) {
 }
 
 // Step 1: the ten fields. limit is the record's length, or SIZE_MAX when the
-// caller vouches for the record; with a limit, any item that would be read
-// past it, and any item of an unknown type, makes the record malformed.
+// caller vouches for the record; with a limit, an item that would be read
+// past it, a number whose item is narrower than the number, and an item of
+// an unknown type make the record malformed.
 bool unpack_fields(HKBASEREC *out, const unsigned char *rec, size_t limit) {
   const bool bounded = limit != SIZE_MAX;
   size_t pos = kFirstItem;
@@ -138,8 +138,9 @@ bool unpack_fields(HKBASEREC *out, const unsigned char *rec, size_t limit) {
       if (pos >= limit) return false;
       unsigned char header = rec[pos];
       if (item_type(header) == ItemType::kUnknown) return false;
-      size_t span = std::max(data_length(header), bytes_read(header));
-      if (span > limit - pos - 1) return false;
+      // A number shorter than its width would be read into the next item.
+      if (data_length(header) < bytes_read(header)) return false;
+      if (data_length(header) > limit - pos - 1) return false;
     }
     decode_item(rec + pos, work);
     store_text(out, slot, work);
