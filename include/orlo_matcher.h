@@ -106,12 +106,20 @@ typedef struct HKMCB {
   int64_t lvl2size;
   int64_t basesize;
   /* Capacities of the search's reusable buffers, so that a search on warm
-   * caches allocates nothing: entries of cands, records of baserecs, bytes
-   * of blockbuf. Each one counts only while its pointer is non-NULL, so a
-   * copy that clears the pointers (an "R" call) needs no other change. */
+   * caches allocates nothing and a change of region allocates only its
+   * caches: entries of cands, records of baserecs, bytes of blockbuf, bytes
+   * of lvl2buf, entries of lvl2tab. Each one counts only while its pointer
+   * is non-NULL, so a copy that clears the pointers (an "R" call) needs no
+   * other change. */
   int64_t candcap;
   int64_t reccap;
   int64_t blockcap;
+  int64_t lvl2bufcap;
+  int64_t lvl2tabcap;
+  /* 1 when the entries of lvl2tab are in order of their first bytes, so
+   * that a fuzzy scan may start at the first name with the input's initial
+   * instead of walking past every name that sorts before it. */
+  int32_t lvl2initials;
 } HKMCB;
 
 /* The handle area of one instance: word 0 holds the HKMCB address, the rest
