@@ -43,6 +43,9 @@ void detach_search_state(HKMCB *copy) {
   copy->candcap = 0;
   copy->reccap = 0;
   copy->blockcap = 0;
+  copy->lvl2bufcap = 0;
+  copy->lvl2tabcap = 0;
+  copy->lvl2initials = 0;
   std::memset(copy->lastkey, 0, sizeof copy->lastkey);
   std::memset(copy->lastname, 0, sizeof copy->lastname);
   copy->lastidx = 0;
