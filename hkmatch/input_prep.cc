@@ -3,6 +3,7 @@
 // Every text field comes out left-justified, with its blank runs collapsed,
 // cut at its significant length and NUL-terminated; the premise number also
 // loses its leading zeros and is parsed into numbers.
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -56,8 +57,8 @@ void prepare_premno(const char *inrec, HKWORKREC *work) {
 // joined) and copies the text into dest.
 void prepare_text(WorkBuffer &buf, std::string_view first,
                   std::string_view second, char *dest, size_t dest_size) {
-  std::memcpy(buf.data(), first.data(), first.size());
-  std::memcpy(buf.data() + first.size(), second.data(), second.size());
+  std::copy(first.begin(), first.end(), buf.begin());
+  std::copy(second.begin(), second.end(), buf.begin() + first.size());
   const size_t len = first.size() + second.size();
   buf[len] = '\0';
   justify(buf, static_cast<int32_t>(len));

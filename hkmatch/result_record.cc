@@ -33,8 +33,8 @@ struct LineBuffer {
   LineBuffer() { fill_blanks(text.data(), text.size()); }
 
   void put(size_t pos, std::string_view part) {
-    std::memcpy(text.data() + pos, part.data(),
-                std::min(part.size(), text.size() - pos));
+    const size_t n = std::min(part.size(), text.size() - pos);
+    std::copy_n(part.begin(), n, text.begin() + pos);
   }
 
   std::string_view justified() {
@@ -63,8 +63,8 @@ std::string_view text_of(const char *s, size_t max) {
 // Copies a text over the start of field f, cut to its width; the rest of
 // the field stays as it was.
 void put_text(char *out, FieldRef f, std::string_view text) {
-  std::memcpy(out + f.off, text.data(),
-              std::min(text.size(), static_cast<size_t>(f.len)));
+  std::copy_n(text.begin(), std::min(text.size(), static_cast<size_t>(f.len)),
+              out + f.off);
 }
 
 void copy_field(char *out, FieldRef to, const char *in, FieldRef from) {

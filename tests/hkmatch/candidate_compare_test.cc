@@ -297,6 +297,49 @@ TEST(CompareBuilding, ShorterNameStartingTheLongerScoresNinetyOne) {
   EXPECT_EQ(compare(with_building("GOLDEN PLAZA"), building("GOLD")).code, 4u);
 }
 
+// The likeness values below are those of the street name comparison on the
+// adjusted names: 99 for one letter dropped from a long name, 98 for names
+// equal but for a full stop or a vowel, 95 for a name that starts the other
+// and 90 for one that starts it with a word to spare.
+TEST(CompareBuilding, CloseNameScoringNinetyNineCostsAPenalty) {
+  EXPECT_RESULT(compare(with_building("NAN FUNG COMERCIAL CENTRE"),
+                        building("NAN FUNG COMMERCIAL CENTRE")),
+                0, 107, 1);
+}
+
+TEST(CompareBuilding, CloseNameScoringNinetyEightRejects) {
+  EXPECT_RESULT(compare(with_building("SHUN TAK CENTRE WST TOWER"),
+                        building("SHUN TAK CENTRE WEST TOWER")),
+                4, 0, 0);
+}
+
+TEST(CompareBuilding, PrefixRuleDependsOnWhichNameIsShorter) {
+  // A shorter input that starts the record's name: up to 98 becomes 91.
+  EXPECT_RESULT(
+      compare(with_building("GOLDEN PLAZA."), building("GOLDEN PLAZA")), 0, 105,
+      1);
+  // A shorter record name: only up to 94 becomes 91.
+  EXPECT_RESULT(
+      compare(with_building("GOLDEN PLAZA"), building("GOLDEN PLAZA.")), 4, 0,
+      0);
+  EXPECT_RESULT(compare(with_building("GOLDEN"), building("GOLDEN PLAZA")), 4,
+                0, 0);
+  EXPECT_RESULT(
+      compare(with_building("GOLDEN PLAZA"), building("GOLDEN PLAZA TOWER")), 0,
+      105, 1);
+}
+
+TEST(CompareBuilding, QuoteOrThMakesNamesCloseAndSkipsTheTailRule) {
+  // Different first letters: ABC ends the input, so the tail rule gives 91.
+  EXPECT_RESULT(compare(with_building("ABC"), building("X ABC")), 0, 105, 1);
+  // A quote or TH at the start makes the names close; their likeness (70,
+  // 66) rejects.
+  EXPECT_RESULT(compare(with_building("ABC"), building("'X ABC")), 4, 0, 0);
+  EXPECT_RESULT(compare(with_building("ABC"), building("\"X ABC")), 4, 0, 0);
+  EXPECT_RESULT(compare(with_building("ABC"), building("THX ABC")), 4, 0, 0);
+  EXPECT_RESULT(compare(with_building("THX ABC"), building("ABC")), 4, 0, 0);
+}
+
 TEST(CompareBuilding, NameEndingTheOtherScoresNinetyOne) {
   EXPECT_RESULT(compare(with_building("GOLDEN PLAZA"), building("PLAZA")), 0,
                 105, 1);
