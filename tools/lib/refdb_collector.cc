@@ -1,4 +1,5 @@
-#include <cstring>
+#include <string>
+#include <utility>
 
 #include "lib/packed_record_codec.h"
 #include "lib/refdb_compiler.h"
