@@ -149,6 +149,7 @@ char compare_block(Pass &p, STREETENT &e, int32_t i, const unsigned char *block,
       rec = e.bunpk[j];
     } else {
       if (!unpack_next(block, e.blen, &pos, &rec)) return '5';
+      rec.bpen = 0;  // the unpacker leaves the search's fields alone
       if (filling) e.bunpk[j] = rec;
     }
     rec.bscore = e.sscore;

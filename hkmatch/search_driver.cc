@@ -146,11 +146,10 @@ PassStep run_pass(Search &s, int32_t pass) {
 }
 
 // Whether the search stops before pass `pass`.
-bool stop_before(Search &s, int32_t pass) {
+bool stops_before(const Search &s, int32_t pass) {
   const HKMCB *mcb = s.mcb;
   if (pass > 0) {
     if (mcb->outmode == 1 || mcb->outmode == 2) return true;
-    s.reuse = false;
     if (in_mode(s) == '3') return true;
     if (s.exact && mcb->passopt != 2) return true;
   }
@@ -179,7 +178,8 @@ int32_t run_search(Search &s) {
   s.reuse = s.reuse && mcb->laststat == 0;
   int32_t pass = 0;
   for (; pass <= 1; ++pass) {
-    if (stop_before(s, pass)) break;
+    if (pass > 0) s.reuse = false;  // only a first pass reuses
+    if (stops_before(s, pass)) break;
     PassStep next = run_pass(s, pass);
     if (next.step == Step::kReturn) return next.ret;
     if (next.step == Step::kEnd) break;

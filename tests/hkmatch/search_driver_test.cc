@@ -237,21 +237,6 @@ TEST_P(Search, CacheCeilingKeepsBlocksAndRecordsThatFitOnly) {
   EXPECT_EQ(since(before).basedata, 1u);  // read again every time
 }
 
-TEST_P(Search, NothingIsCachedUnderAZeroCeiling) {
-  TestDb db(kCsv);
-  Geocoder g(db, options());
-  g.search({"HK", "DES VOEUX ROAD", "5"});
-  g.mcb()->cachemax = 0;
-  for (int i = 0; i < 2; ++i) {
-    g.search({"KLN", "NATHAN ROAD", "12"});
-    AccessCounters before = counters_now();
-    EXPECT_EQ(g.search({"KLN", "ARGYLE STREET", "7"}).refid(), "00020");
-    EXPECT_EQ(since(before).basedata, 1u);
-    EXPECT_EQ(since(before).unpacks, 1u);
-  }
-  EXPECT_EQ(g.mcb()->cacheused, 0);
-}
-
 TEST_P(Search, SearchLevelTwoStartsFuzzyAndNeverCountsAsFirstPass) {
   TestDb db(kCsv);
   Geocoder g(db, options());
