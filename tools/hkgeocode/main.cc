@@ -128,7 +128,10 @@ void process_all(const Options &o, const Streams &s, RowSource *source,
     if (source->read_batch(batch, &rows) == 0) break;
     runner.run(rows, &outrecs);
     for (size_t i = 0; i < rows.size(); ++i) {
-      if (rows[i].bad()) report_bad_row(s.in_name, o.fixed, rows[i]);
+      if (rows[i].bad()) {
+        progress.finish();  // messages start on a line of their own
+        report_bad_row(s.in_name, o.fixed, rows[i]);
+      }
       totals->add(rows[i], outrecs.data() + i * HKOUTREC_SIZE);
     }
     write_rows(o, rows, outrecs, s.out, &buffer);

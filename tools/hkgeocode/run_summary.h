@@ -35,6 +35,7 @@ class Progress {
   Progress &operator=(const Progress &) = delete;
 
   void update(uint64_t records, uint64_t bytes_done);
+  // Clears the line; the next update draws it again.
   void finish();
 
  private:
