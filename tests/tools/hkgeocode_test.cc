@@ -151,7 +151,10 @@ TEST_F(Hkgeocode, HeaderOnlyInputGivesHeaderOnlyOutput) {
             "out_premno,out_street,out_building,out_unit,out_district,"
             "out_region,line1,line2,ref_code,ref_id,area_changed,"
             "street_changed,premise_changed,ref_line,grade,building_source");
-  EXPECT_NE(r.err.find("0 records read, 0 accepted, 0 bad"), std::string::npos);
+  EXPECT_NE(
+      r.err.find(
+          "0 records read, 0 processed, 0 matched (match status '0'), 0 bad"),
+      std::string::npos);
 }
 
 // Feeds the same records to the library directly: the tool's fixed output
@@ -252,7 +255,9 @@ TEST_F(Hkgeocode, EveryKindOfBadRowIsReportedCountedAndWritten) {
         "end of the file); the rest of the input is not read\n"}) {
     EXPECT_NE(r.err.find(message), std::string::npos) << message << r.err;
   }
-  EXPECT_NE(r.err.find("11 records read, 2 accepted, 9 bad"), std::string::npos)
+  EXPECT_NE(r.err.find("11 records read, 2 processed"), std::string::npos)
+      << r.err;
+  EXPECT_NE(r.err.find("matched (match status '0'), 9 bad"), std::string::npos)
       << r.err;
 
   auto rows = csv_rows(r.out);
@@ -291,6 +296,33 @@ TEST_F(Hkgeocode, UnitLineIsSplitAndJoinedAgain) {
   rec.replace(193, 5, unit.substr(25));
   EXPECT_EQ(rows[1][kReturnCode],
             std::string(1, direct_results(*db_, {rec})[0]));
+}
+
+TEST_F(Hkgeocode, TableShowsOneAlignedLinePerRow) {
+  ToolRun r = run_csv(kHeader + ",40,NATHAN ROAD,CHUNGKING MANSIONS,,,,KLN,\n" +
+                          ",7,NO SUCH ROAD,,,,,HK,\n" + "too,few\n",
+                      "--table");
+  EXPECT_EQ(r.status, 1) << r.err;
+  std::vector<std::string> lines = lines_of(r.out);
+  ASSERT_EQ(lines.size(), 4u) << r.out;
+  EXPECT_EQ(lines[0].rfind("LINE  ADDRESS AS GIVEN", 0), 0u);
+  // Columns line up under the header's RC and MS.
+  size_t rc = lines[0].find(" RC ") + 1, ms = lines[0].find(" MS ") + 1;
+  EXPECT_EQ(lines[1].substr(0, 46),
+            "2     40 NATHAN ROAD, CHUNGKING MANSIONS, KLN ");
+  EXPECT_EQ(lines[1][rc], '1');
+  EXPECT_EQ(lines[1][ms], '0');
+  EXPECT_NE(lines[1].find("CHUNGKING MANSIONS 40 NATHAN ROAD / 36 NATHAN RD "
+                          "TSIM SHA TSUI"),
+            std::string::npos)
+      << lines[1];
+  EXPECT_EQ(lines[1].substr(lines[1].size() - 9), "TST 00201");
+  EXPECT_EQ(lines[2][rc], '0');
+  EXPECT_EQ(lines[2][ms], '2');
+  EXPECT_NE(lines[3].find("E     bad input row: expected 9 fields"),
+            std::string::npos)
+      << lines[3];
+  EXPECT_EQ(run_csv(kHeader, "--table --fixed").status, 2);
 }
 
 const std::string kGolden =

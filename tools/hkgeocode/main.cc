@@ -105,6 +105,8 @@ void write_rows(const Options &o, const std::vector<InputRow> &rows,
     const char *rec = outrecs.data() + i * HKOUTREC_SIZE;
     if (o.fixed) {
       append_raw_record(rows[i], rec, buffer);
+    } else if (o.table) {
+      append_table_row(rows[i], rec, buffer);
     } else if (rows[i].bad()) {
       append_bad_row(rows[i], buffer);
     } else {
@@ -177,7 +179,11 @@ int run(const Options &o) {
   RowSource source(s.in, o.fixed);
   std::string error;
   if (!source.start(&error)) return fail(s.in_name + ": " + error);
-  if (!o.fixed) std::fputs(csv_header().c_str(), s.out);
+  if (o.table) {
+    std::fputs(table_header().c_str(), s.out);
+  } else if (!o.fixed) {
+    std::fputs(csv_header().c_str(), s.out);
+  }
 
   Totals totals;
   process_all(o, s, &source, &instances, &totals);

@@ -30,6 +30,8 @@ constexpr const char *kUsage =
     "  --threads N         N workers (1 to 64), each with its own instance;\n"
     "                      the output is in input order and the same as with\n"
     "                      one worker\n"
+    "  --table             a readable table (address, return code RC, match\n"
+    "                      status MS, result lines, reference) instead of CSV\n"
     "  --fixed             raw 200-byte input records, raw 300-byte output\n"
     "                      records\n"
     "  --out PATH          output file (default: standard output)\n"
@@ -120,6 +122,8 @@ bool parse_options(int argc, char **argv, Options *o, std::string *error) {
       o->help = true;
     } else if (a == "--fixed") {
       o->fixed = true;
+    } else if (a == "--table") {
+      o->table = true;
     } else if (a == "--quiet") {
       o->quiet = true;
     } else if (a.starts_with("--")) {
@@ -145,6 +149,10 @@ bool parse_options(int argc, char **argv, Options *o, std::string *error) {
       o->input = std::string(a);
       have_input = true;
     }
+  }
+  if (o->table && o->fixed) {
+    *error = "--table and --fixed cannot be combined";
+    return false;
   }
   if (o->threads > 1 && writes_extract(o->open_options)) {
     *error = "an extract option cannot be combined with --threads above 1";

@@ -20,6 +20,7 @@ struct Options {
   std::string open_options;
   int threads = 1;
   bool fixed = false;
+  bool table = false;       // a readable table instead of CSV
   std::string out_path;     // empty: standard output
   std::string report_path;  // empty: no accuracy statement
   std::vector<std::string> report_lines;

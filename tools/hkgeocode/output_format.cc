@@ -1,5 +1,8 @@
 #include "hkgeocode/output_format.h"
 
+#include <initializer_list>
+#include <string>
+
 #include "common/fixed_field.h"
 #include "hkmatch/record_fields.h"
 #include "orlo_records.h"
@@ -131,7 +134,70 @@ std::string column_value(const OutputColumn &col, const char *rec) {
   return std::string(trimmed(field_view(rec, col.field)));
 }
 
+// Widths of the table's text columns; longer texts are cut.
+constexpr size_t kTableAddress = 46;
+constexpr size_t kTableResult = 62;
+
+// The non-empty texts joined with ", ", cut to width and padded to it.
+std::string table_cell(std::initializer_list<std::string_view> parts,
+                       size_t width) {
+  std::string cell;
+  for (std::string_view p : parts) {
+    p = trimmed(p);
+    if (p.empty()) continue;
+    if (!cell.empty()) cell += ", ";
+    cell.append(p);
+  }
+  cell.resize(width, ' ');
+  return cell;
+}
+
+// The address as given: premise number and street, building, unit, region.
+std::string given_address(const InputRow &row) {
+  auto f = [&row](size_t i) -> std::string_view {
+    return i < row.fields.size() ? std::string_view(row.fields[i]) : "";
+  };
+  std::string street(trimmed(f(1)));
+  if (!street.empty() && !trimmed(f(2)).empty()) street += ' ';
+  street.append(trimmed(f(2)));
+  return table_cell({street, f(3), f(4), f(7)}, kTableAddress);
+}
+
 }  // namespace
+
+std::string table_header() {
+  return table_cell({"LINE"}, 6) +
+         table_cell({"ADDRESS AS GIVEN"}, kTableAddress) + " RC MS " +
+         table_cell({"RESULT (LINE 1 / LINE 2)"}, kTableResult) + " REF\n";
+}
+
+void append_table_row(const InputRow &row, const char *outrec,
+                      std::string *out) {
+  out->append(table_cell({std::to_string(row.line)}, 6));
+  out->append(given_address(row));
+  if (row.bad()) {
+    out->append(" ");
+    out->push_back(kBadRowCode);
+    out->append("     bad input row: " + row.error + "\n");
+    return;
+  }
+  out->append(" ");
+  out->push_back(outrec[out::retcode.off]);
+  out->append("  ");
+  out->push_back(outrec[out::matchstat.off]);
+  out->append("  ");
+  std::string_view line2 = trimmed(field_view(outrec, out::line2));
+  std::string result(trimmed(field_view(outrec, out::line1)));
+  if (!line2.empty()) result += " / " + std::string(line2);
+  result.resize(kTableResult, ' ');
+  out->append(result);
+  out->append(" ");
+  out->append(trimmed(field_view(outrec, out::refcode)));
+  out->append(" ");
+  out->append(trimmed(field_view(outrec, out::refid)));
+  while (!out->empty() && out->back() == ' ') out->pop_back();
+  out->push_back('\n');
+}
 
 std::string_view return_code_meaning(char code) {
   return meaning_of(kReturnCodes, code, "unknown return code");

@@ -31,6 +31,13 @@ void append_raw_record(const InputRow &row, const char *outrec,
                        std::string *out);
 
 // What a return code and a match status mean, for people.
+// The readable table (--table): its header, and one line a row giving the
+// address as given, the return code, the match status, the composed result
+// lines and the reference.
+std::string table_header();
+void append_table_row(const InputRow &row, const char *outrec,
+                      std::string *out);
+
 std::string_view return_code_meaning(char code);
 std::string_view match_status_meaning(char status);
 

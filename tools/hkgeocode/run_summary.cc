@@ -38,7 +38,7 @@ void Totals::add(const InputRow &row, const char *outrec) {
     ++bad;
     return;
   }
-  ++accepted;
+  ++processed;
   ++by_code[static_cast<unsigned char>(outrec[HKOUT_RETCODE_OFF])];
   ++by_status[static_cast<unsigned char>(outrec[HKOUT_MATCHSTAT_OFF])];
 }
@@ -77,13 +77,16 @@ void Progress::finish() {
 }
 
 void print_summary(std::FILE *to, const Totals &t, double seconds) {
-  std::fprintf(to, "hkgeocode: %llu records read, %llu accepted, %llu bad\n",
+  std::fprintf(to,
+               "hkgeocode: %llu records read, %llu processed, %llu matched "
+               "(match status '0'), %llu bad\n",
                static_cast<unsigned long long>(t.read),
-               static_cast<unsigned long long>(t.accepted),
+               static_cast<unsigned long long>(t.processed),
+               static_cast<unsigned long long>(t.by_status['0']),
                static_cast<unsigned long long>(t.bad));
   print_counts(to, "match status", t.by_status, match_status_meaning);
   print_counts(to, "return code", t.by_code, return_code_meaning);
-  double rate = seconds > 0 ? static_cast<double>(t.accepted) / seconds : 0;
+  double rate = seconds > 0 ? static_cast<double>(t.processed) / seconds : 0;
   std::fprintf(to, "  elapsed %.2f s, %.0f records per second\n", seconds,
                rate);
 }

@@ -13,8 +13,8 @@
 namespace orlo::tools::hkgeocode {
 
 struct Totals {
-  uint64_t read = 0;      // rows read, bad ones included
-  uint64_t accepted = 0;  // rows that were processed
+  uint64_t read = 0;       // rows read, bad ones included
+  uint64_t processed = 0;  // rows handed to the matcher
   uint64_t bad = 0;
   std::array<uint64_t, 256> by_status{};  // processed rows by match status
   std::array<uint64_t, 256> by_code{};    // processed rows by return code
@@ -47,8 +47,8 @@ class Progress {
   Clock::time_point last_ = start_;
 };
 
-// Prints the summary: rows read, accepted and bad, the counts per match
-// status and per return code, the elapsed time and the rate.
+// Prints the summary: rows read, processed, matched and bad, the counts per
+// match status and per return code, the elapsed time and the rate.
 void print_summary(std::FILE *to, const Totals &totals, double seconds);
 
 }  // namespace orlo::tools::hkgeocode
