@@ -19,10 +19,10 @@ extern "C" {
 
 /* A word node: a word inside the caller's text. */
 typedef struct MWORD {
-  struct MWORD *next;  /* NULL for the last word */
-  struct MWORD *prev;  /* NULL for the first word */
-  char *text;          /* first byte of the word in the caller's text */
-  int32_t len;         /* length of the word in bytes */
+  struct MWORD *next; /* NULL for the last word */
+  struct MWORD *prev; /* NULL for the first word */
+  char *text;         /* first byte of the word in the caller's text */
+  int32_t len;        /* length of the word in bytes */
 } MWORD;
 
 ORLO_API int32_t m_isnumb(const char *text, int32_t len);
@@ -47,6 +47,9 @@ ORLO_API int32_t m_spllng(const char *f1, const char *f2, int32_t len,
 ORLO_API int32_t m_tgstr(const char *s1, const char *s2, int32_t len);
 /* Returns a malloc'ed 3-byte text; the caller frees it with free(). */
 ORLO_API char *tg_isostd(unsigned char ch);
+/* Rewrites the NUL-terminated text inside a buffer of size bytes. Output
+ * that grows to fill all size bytes is cut there and left without a NUL; when
+ * the work buffer cannot be allocated the text is left unchanged. */
 ORLO_API void tg_remac(char *text, int32_t size);
 
 ORLO_API int32_t m_busnam(const char *n1, const char *n2, int32_t len,
@@ -55,6 +58,9 @@ ORLO_API int32_t m_insrtw(const MWORD *p, const MWORD *q);
 ORLO_API int32_t m_trnsps(const MWORD *p, const MWORD *q);
 ORLO_API int32_t m_spltwd(const MWORD *p, const MWORD *q);
 ORLO_API int32_t m_allino(const MWORD *p, MWORD **q);
+/* pool holds 100 nodes, *poolcount of them in use; a word that needs more
+ * nodes than are left is not split (the list and *poolcount stay as they
+ * were). */
 ORLO_API void m_spltnd(MWORD *p, MWORD *pool, MWORD **head, int32_t *poolcount,
                        MWORD **tail);
 ORLO_API void m_chcmp3(int32_t *charerrs, int32_t *score, const MWORD *p,

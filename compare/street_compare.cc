@@ -1,0 +1,339 @@
+// Street name likeness: a cascade of ever looser comparisons, each of which
+// either settles the score or hands over to the next.
+//
+// The first street of the last call is cached, normalised, recoded and
+// packed, because the matcher compares one input street with many reference
+// streets in a row. The cache is per thread, so comparisons on any number of
+// threads need no lock and never see one another's streets.
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+#include "compare/street_words.h"
+#include "compare/text_bytes.h"
+#include "orlo_compare.h"
+
+namespace orlo {
+namespace {
+
+constexpr int32_t kWorkLen = kStreetWorkLen;
+
+// A work copy of a street: kWorkLen bytes of text area, zero-filled so that
+// the text is followed by NULs, with room behind it for the two bytes that
+// the character alignment looks ahead even at the full length.
+using StreetArea = std::array<char, kWorkLen + 4>;
+
+struct StreetCache {
+  char lastra1[kWorkLen];  // first street as it came, after letter folding
+  char lastra2[kWorkLen];  // ... after normalisation and word recoding
+  char lastra3[kWorkLen];  // ... after packing
+  int32_t lasterrs;        // its packed length
+};
+
+// Zero at thread start; constant-initialised, so no per-thread constructor.
+thread_local StreetCache street_cache{};
+
+// --- options -----------------------------------------------------------------
+
+struct StreetOptions {
+  bool fold_letters = false;  // "DI": fold Latin-1 letters to plain ones
+  bool keep_types = false;    // "TYPE": recode with the short type forms
+};
+
+StreetOptions read_options(char *options) {
+  StreetOptions o;
+  if (options == nullptr) return o;
+  size_t n = 0;
+  for (; options[n] != '\0'; ++n) {
+    if (options[n] >= 'a' && options[n] <= 'z') options[n] -= 'a' - 'A';
+  }
+  const std::string_view text(options, n);
+  o.fold_letters = (n > 1 && text.starts_with("DI")) ||
+                   text.find(";DI") != std::string_view::npos;
+  o.keep_types = n > 3 && text.starts_with("TYPE");
+  return o;
+}
+
+// --- work copies and letter folding
+// --------------------------------------------
+
+// Copies a street into a zero-filled area and returns the length to work
+// with: at most kWorkLen, and at full length the last byte is a NUL.
+int32_t copy_street(StreetArea &area, const char *street, int32_t len) {
+  len = std::max(len, 0);
+  const int32_t n = std::min(len, kWorkLen);
+  if (n > 0 && street != nullptr) {
+    std::memcpy(area.data(), street, static_cast<size_t>(n));
+  }
+  if (len >= kWorkLen) area[kWorkLen - 1] = '\0';
+  return n;
+}
+
+struct LetterFold {
+  unsigned char from;
+  std::string_view to;
+};
+
+constexpr std::array<LetterFold, 7> kLetterFolds = {{
+    {0xC4, "AE"},
+    {0xC6, "AE"},
+    {0xC5, "AA"},
+    {0xD6, "OE"},
+    {0xD8, "OE"},
+    {0xDC, "UE"},
+    {0xDF, "SS"},
+}};
+
+std::string_view fold_of(char c) {
+  for (const LetterFold &f : kLetterFolds) {
+    if (static_cast<unsigned char>(c) == f.from) return f.to;
+  }
+  return {};
+}
+
+// Writes each letter's plain form; text pushed beyond len is lost.
+void fold_letters(StreetArea &area, int32_t len) {
+  std::array<char, 2 * kWorkLen> scratch;
+  scratch.fill(' ');
+  size_t out = 0;
+  for (int32_t i = 0; i < len && out < static_cast<size_t>(len); ++i) {
+    const std::string_view to = fold_of(area[static_cast<size_t>(i)]);
+    if (to.empty()) {
+      scratch[out++] = area[static_cast<size_t>(i)];
+    } else {
+      std::memcpy(scratch.data() + out, to.data(), to.size());
+      out += to.size();
+    }
+  }
+  std::memcpy(area.data(), scratch.data(), static_cast<size_t>(len));
+}
+
+// --- normalisation and recoding
+// -------------------------------------------------
+
+// Leading zeros of every word go, as do full stops; '+' means '&'.
+void normalise(char *s, int32_t len) {
+  for (int32_t i = 0; i < len; ++i) {
+    if (s[i] == '0' && (i == 0 || is_blank(s[i - 1]))) {
+      s[i] = ' ';
+    } else if (s[i] == '.') {
+      s[i] = ' ';
+    } else if (s[i] == '+') {
+      s[i] = '&';
+    }
+  }
+}
+
+void recode_words(char *s, int32_t len, bool keep_types) {
+  if (keep_types) {
+    m_recode_new(s, len);
+  } else {
+    m_recode(s, len);
+  }
+  m_wrdrec(s, len);
+  m_fixord(s, len);
+}
+
+// --- strict classes
+// --------------------------------------------------------------
+
+enum StrictClass { kOrdinary = 0, kStrict = 1, kLetteredCourt = 2 };
+
+// Highways, state and county roads, avenues and calles must match closely.
+constexpr std::array<std::string_view, 7> kStrictStarts = {
+    "USHWY", "AVE", "STATERD", "COUNTYRD", "HWY", "CALLE", "CLL"};
+
+// Class of one packed street.
+StrictClass strict_class(const StreetArea &s, int32_t packed_len) {
+  const std::string_view text(s.data(), kWorkLen);
+  for (std::string_view start : kStrictStarts) {
+    if (text.starts_with(start)) return kStrict;
+  }
+  // A court followed by a single letter: 'COURTB'.
+  if (text.starts_with("COURT") && !is_blank(text[5]) && is_blank(text[6])) {
+    return kLetteredCourt;
+  }
+  return m_isnumb(s.data(), packed_len) ? kStrict : kOrdinary;
+}
+
+// --- character stage
+// ---------------------------------------------------------------
+
+// Score when one packed street is a prefix of the other and long enough.
+std::optional<int32_t> prefix_score(const StreetArea &a, int32_t len_a,
+                                    const StreetArea &b, int32_t len_b) {
+  const bool prefix_a =
+      std::memcmp(a.data(), b.data(), static_cast<size_t>(len_a)) == 0;
+  const bool prefix_b =
+      std::memcmp(a.data(), b.data(), static_cast<size_t>(len_b)) == 0;
+  if (!prefix_a && !prefix_b) return std::nullopt;
+  const int32_t gap = std::abs(len_a - len_b);
+  const int32_t shorter = std::min(len_a, len_b);
+  if (shorter >= 6 && gap <= 2) return 95;
+  if (shorter >= 4 && gap == 2) return 90;
+  if (shorter >= 4 && gap == 1) return 95;
+  return std::nullopt;
+}
+
+// Score from the character alignment of the two packed streets.
+int32_t alignment_score(const StreetArea &a, int32_t len_a, const StreetArea &b,
+                        int32_t len_b) {
+  int32_t errors = 0;
+  int32_t tail = 0;
+  int32_t repeats = 0;
+  int32_t mismatch = 0;
+  m_chcmp1(&errors, &tail, &repeats, &mismatch, len_a, len_b, a.data(),
+           b.data());
+  if (tail > 0) {
+    // An unmatched tail costs one error, one more per character beyond two,
+    // and one more when either name is short.
+    errors += 1;
+    if (tail > 2) errors += tail - 2;
+    if (len_a < 6 || len_b < 6) errors += 1;
+  }
+  int32_t score = 100 - 3 * repeats - 4 * errors;
+  if (4 * errors > len_a || 4 * errors > len_b) score -= 10;
+  if (len_a >= 9 && len_b >= 9) score = std::min(score + 2, 100);
+  return score;
+}
+
+struct Stage {
+  int32_t score;
+  bool settled;  // true: the score is the result
+};
+
+Stage character_stage(const StreetArea &a, int32_t len_a, const StreetArea &b,
+                      int32_t len_b, StrictClass strict) {
+  if (strict == kStrict) return {0, false};
+  if (strict == kLetteredCourt) return {0, true};
+  if (len_a == 0 || len_b == 0) return {80, false};
+  if (auto s = prefix_score(a, len_a, b, len_b)) return {*s, true};
+  const int32_t score = alignment_score(a, len_a, b, len_b);
+  return {score, score >= 90};
+}
+
+// --- skeleton stage
+// -------------------------------------------------------------------
+
+// At most one character of the longer skeleton x has no partner in y (one
+// shorter), walking both from their second character.
+bool one_extra_character(const char *x, int32_t len_x, const char *y) {
+  int32_t errors = 0;
+  int32_t k = 1;
+  for (int32_t i = 1; i < len_x && errors < 2; ++i) {
+    if (x[i] == y[k]) {
+      ++k;
+    } else {
+      ++errors;
+    }
+  }
+  return errors <= 1;
+}
+
+// 95 for equal consonant skeletons, 90 for skeletons one character apart,
+// nothing otherwise. Turns both streets into their skeletons.
+std::optional<int32_t> skeleton_score(StreetArea &a, int32_t len_a,
+                                      StreetArea &b, int32_t len_b) {
+  if (m_isnumb(a.data(), len_a) || m_isnumb(b.data(), len_b)) {
+    return std::nullopt;
+  }
+  const int32_t ca = m_comprs(a.data(), len_a);
+  const int32_t cb = m_comprs(b.data(), len_b);
+  if (ca <= 3 || cb <= 3) return std::nullopt;
+  if (std::memcmp(a.data(), b.data(), std::max(ca, cb)) == 0) return 95;
+  if (a[0] != b[0]) return std::nullopt;
+  if (ca == cb) {
+    int32_t differences = 0;
+    for (int32_t i = 1; i < ca; ++i) differences += a[i] != b[i];
+    if (differences <= 1) return 90;
+  } else if (std::abs(ca - cb) == 1) {
+    const bool a_longer = ca > cb;
+    const char *x = a_longer ? a.data() : b.data();
+    const char *y = a_longer ? b.data() : a.data();
+    if (one_extra_character(x, std::max(ca, cb), y)) return 90;
+  }
+  return std::nullopt;
+}
+
+// --- the cascade
+// -----------------------------------------------------------------------
+
+bool all_blank(const StreetArea &s, int32_t len) {
+  return std::all_of(s.begin(), s.begin() + len, is_blank);
+}
+
+int32_t compare_streets(const char *s1, const char *s2, int32_t len,
+                        char *options) {
+  StreetArea a{};
+  StreetArea b{};
+  len = copy_street(a, s1, len);
+  copy_street(b, s2, len);
+  const StreetOptions opt = read_options(options);
+  if (opt.fold_letters) {
+    fold_letters(a, len);
+    fold_letters(b, len);
+  }
+  if (std::memcmp(a.data(), b.data(), len) == 0 && !is_blank(a[0])) {
+    return 100;
+  }
+
+  // Normalise, recode and pack street 1 only when it is not the cached one.
+  StreetCache &cache = street_cache;
+  const bool fresh = std::memcmp(a.data(), cache.lastra1, len) != 0;
+  if (fresh) {
+    std::memcpy(cache.lastra1, a.data(), kWorkLen);
+    normalise(a.data(), len);
+    recode_words(a.data(), len, opt.keep_types);
+    std::memcpy(cache.lastra2, a.data(), kWorkLen);
+  } else {
+    std::memcpy(a.data(), cache.lastra2, kWorkLen);
+  }
+  normalise(b.data(), len);
+  recode_words(b.data(), len, opt.keep_types);
+
+  // The word stage reads the streets recoded but not packed.
+  const StreetArea recoded_a = a;
+  const StreetArea recoded_b = b;
+
+  int32_t len_a = 0;
+  if (fresh) {
+    len_a = xm_lpck(a.data(), len);
+    std::memcpy(cache.lastra3, a.data(), kWorkLen);
+    cache.lasterrs = len_a;
+  } else {
+    std::memcpy(a.data(), cache.lastra3, kWorkLen);
+    len_a = cache.lasterrs;
+  }
+  int32_t len_b = xm_lpck(b.data(), len);
+
+  StrictClass strict = strict_class(a, len_a);
+  if (strict == kOrdinary) strict = strict_class(b, len_b);
+
+  int32_t score = 0;
+  if (std::memcmp(a.data(), b.data(), len) == 0) {
+    if (!all_blank(a, len)) return 98;
+    score = 88;  // both blank: only the word stage could say more
+    len_a = len_b = len;
+  } else {
+    const Stage s = character_stage(a, len_a, b, len_b, strict);
+    if (s.settled) return s.score;
+    score = s.score;
+  }
+
+  if (auto s = skeleton_score(a, len_a, b, len_b)) return *s;
+
+  const int32_t words =
+      street_word_score(recoded_a.data(), recoded_b.data(), len);
+  return std::max(words, score);
+}
+
+}  // namespace
+}  // namespace orlo
+
+extern "C" int32_t m_street(const char *s1, const char *s2, int32_t len,
+                            char *options) {
+  return orlo::compare_streets(s1, s2, len, options);
+}

@@ -1,0 +1,316 @@
+// The structural check of reference files: clean databases pass, and every
+// kind of damage is reported with its file and offset without reading out
+// of bounds (this program also runs under AddressSanitizer).
+#include "lib/refdb_check.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "lib/csv_reader.h"
+#include "lib/refdb_dump.h"
+#include "support/test_db.h"
+#include "tools/file_util.h"
+
+namespace orlo::tools {
+namespace {
+
+using orlo::testing::hex_bytes;
+using orlo::testing::read_file;
+using orlo::testing::TestDb;
+
+RefdbImages images_of(const std::string &dir) {
+  RefdbImages images;
+  std::string error;
+  EXPECT_TRUE(load_reference_images(dir, &images, &error)) << error;
+  return images;
+}
+
+bool has_fault(const CheckReport &r, const std::string &file, uint64_t offset,
+               const std::string &text) {
+  for (const CheckFault &f : r.faults)
+    if (f.file == file && f.offset == offset &&
+        f.message.find(text) != std::string::npos)
+      return true;
+  return false;
+}
+
+std::string all_faults(const CheckReport &r) {
+  std::string s;
+  for (const CheckFault &f : r.faults) s += format_fault(f) + "\n";
+  return s;
+}
+
+// Two regions, three streets, records of every item type; the block and
+// record layout is known: BASEDATA blocks start at 8.
+constexpr const char *kCorpusCsv =
+    "KLN,NATHAN ROAD,TST,00001,CHUNGKING MANSIONS,,FLOOR,1,FLOOR,17,RES,"
+    "36 NATHAN RD\n"
+    "KLN,NATHAN ROAD,TST,70000,,E,,2,,300,,2-300 NATHAN RD\n"
+    "KLN,CANTON ROAD,TST,123,HARBOUR CITY,,,3,,27,COM,\n"
+    "HK,QUEEN'S ROAD CENTRAL,CEN,99999,4294967295,O,,1,,99A,STR,\n"
+    "HK,QUEEN'S ROAD CENTRAL,CEN,,,,,,,,,\n";
+
+TEST(RefdbCheck, CleanDatabasesPass) {
+  TestDb db(kCorpusCsv);
+  CheckReport report = check_reference_images(images_of(db.dir()));
+  EXPECT_EQ(report.fault_count, 0u) << all_faults(report);
+  EXPECT_EQ(report.totals.regions, 2u);
+  EXPECT_EQ(report.totals.streets, 3u);
+  EXPECT_EQ(report.totals.records, 5u);
+  EXPECT_EQ(report.totals.date, "20260101");
+
+  std::string csv = read_file(ORLO_SOURCE_DIR "/data/sample/reference.csv");
+  CheckReport sample =
+      check_reference_images(images_of(orlo::testing::sample_db_dir()));
+  EXPECT_EQ(sample.fault_count, 0u) << all_faults(sample);
+  EXPECT_EQ(sample.totals.regions, 3u);
+  EXPECT_EQ(
+      sample.totals.records,
+      static_cast<uint64_t>(std::count(csv.begin(), csv.end(), '\n') - 1));
+  EXPECT_EQ(sample.totals.date, "20261101");
+}
+
+TEST(RefdbCheck, EmptyLevel1IsAnEmptyIndex) {
+  RefdbImages images;
+  images.basedata = "20260101" + std::string(23192, '\0');
+  CheckReport report = check_reference_images(images);
+  EXPECT_EQ(report.fault_count, 0u) << all_faults(report);
+  EXPECT_EQ(report.totals.regions, 0u);
+
+  images.basedata.clear();
+  report = check_reference_images(images);
+  EXPECT_TRUE(has_fault(report, "BASEDATA", 0, "shorter than its 8-byte date"))
+      << all_faults(report);
+}
+
+// Every cut of LEVEL2 or BASEDATA breaks them (they are whole units);
+// a cut of LEVEL1 is a fault unless it falls between records.
+TEST(RefdbCheck, EveryTruncationIsReportedWithoutOverreading) {
+  TestDb db(kCorpusCsv);
+  const RefdbImages good = images_of(db.dir());
+  auto cut = [&](std::string RefdbImages::*file, size_t size) {
+    RefdbImages images = good;
+    (images.*file).resize(size);
+    return check_reference_images(images);
+  };
+  for (size_t n = 0; n < good.level1.size(); ++n) {
+    CheckReport r = cut(&RefdbImages::level1, n);
+    EXPECT_EQ(r.fault_count > 0, n % 40 != 0) << "LEVEL1 cut at " << n;
+  }
+  for (size_t n = 0; n < good.level2.size(); n += n < 200 ? 1 : 997)
+    EXPECT_GT(cut(&RefdbImages::level2, n).fault_count, 0u)
+        << "LEVEL2 cut at " << n;
+  for (size_t n = 0; n < good.basedata.size(); n += n < 300 ? 1 : 997)
+    EXPECT_GT(cut(&RefdbImages::basedata, n).fault_count, 0u)
+        << "BASEDATA cut at " << n;
+}
+
+// Flips every byte of the used part of each file in several ways. Offsets,
+// lengths, counts and record length bytes must never pass unnoticed; any
+// other byte may, but must not make the check misbehave.
+TEST(RefdbCheck, FlippedBytesAreReportedWithoutOverreading) {
+  TestDb db(kCorpusCsv);
+  const RefdbImages good = images_of(db.dir());
+  const std::string &l2 = good.level2;
+  std::vector<bool> l2_numbers(l2.size()), base_lengths(good.basedata.size());
+  for (size_t pos = 0; pos < 3 * 40 && l2[pos + 10] != 0;) {
+    for (size_t i = 0; i < 10; ++i) l2_numbers[pos + i] = true;
+    size_t off = refdb::get_be32(
+        reinterpret_cast<const unsigned char *>(l2.data()) + pos);
+    size_t len = refdb::get_be32(
+        reinterpret_cast<const unsigned char *>(l2.data()) + pos + 4);
+    for (size_t r = off; r < off + len; r += good.basedata[r])
+      base_lengths[r] = true;
+    pos = l2.find('\0', pos + 10) + 1;
+  }
+  auto flip = [&](std::string RefdbImages::*file, size_t at, unsigned char v) {
+    RefdbImages images = good;
+    (images.*file)[at] = static_cast<char>(v);
+    return check_reference_images(images).fault_count;
+  };
+  const std::vector<std::function<unsigned char(unsigned char)>> changes = {
+      [](unsigned char b) { return b ^ 0x01; },
+      [](unsigned char b) { return b ^ 0x80; },
+      [](unsigned char) { return 0x00; }, [](unsigned char) { return 0xFF; }};
+  size_t level1_used = 2 * 40, level2_used = l2.find(std::string(12, '\0'));
+  size_t base_used = good.basedata.find_last_not_of('\0') + 1;
+  for (const auto &change : changes) {
+    for (size_t i = 0; i < level1_used; ++i) {
+      unsigned char b = good.level1[i], v = change(b);
+      if (v == b) continue;
+      uint64_t faults = flip(&RefdbImages::level1, i, v);
+      if (i % 40 >= 30) {
+        EXPECT_GT(faults, 0u) << "LEVEL1 byte " << i;
+      }
+    }
+    for (size_t i = 0; i < level2_used; ++i) {
+      unsigned char b = l2[i], v = change(b);
+      if (v == b) continue;
+      uint64_t faults = flip(&RefdbImages::level2, i, v);
+      if (l2_numbers[i]) {
+        EXPECT_GT(faults, 0u) << "LEVEL2 byte " << i;
+      }
+    }
+    for (size_t i = 8; i < base_used; ++i) {
+      unsigned char b = good.basedata[i], v = change(b);
+      if (v == b) continue;
+      uint64_t faults = flip(&RefdbImages::basedata, i, v);
+      if (base_lengths[i]) {
+        EXPECT_GT(faults, 0u) << "BASEDATA byte " << i;
+      }
+    }
+  }
+}
+
+// A one-street database whose single record is patched by hand.
+struct OneRecord {
+  TestDb db{"HK,S,,,ABCD,,,,,,,\n"};  // 09 04 00 00 E4 "ABCD"
+  RefdbImages images = images_of(db.dir());
+  CheckReport patch(size_t at, const std::string &bytes) {
+    RefdbImages copy = images;
+    copy.basedata.replace(8 + at, bytes.size(), bytes);
+    return check_reference_images(copy);
+  }
+};
+
+TEST(RefdbCheck, RecordFaultsNameTheirOffsetAndCause) {
+  OneRecord one;
+  ASSERT_EQ(one.images.basedata.substr(8, 9),
+            hex_bytes("09 04 00 00 E4") + "ABCD");
+  EXPECT_TRUE(has_fault(one.patch(0, hex_bytes("03")), "BASEDATA", 8,
+                        "record length 3 outside 4..127"));
+  EXPECT_TRUE(has_fault(one.patch(0, hex_bytes("80")), "BASEDATA", 8,
+                        "record length 128"));
+  EXPECT_TRUE(has_fault(one.patch(0, hex_bytes("0A")), "BASEDATA", 8,
+                        "runs past the end of its block"));
+  EXPECT_TRUE(has_fault(one.patch(4, hex_bytes("20")), "BASEDATA", 12,
+                        "unknown item type 0x20"));
+  EXPECT_TRUE(has_fault(one.patch(4, hex_bytes("E5")), "BASEDATA", 12,
+                        "runs past the end of the record"));
+  EXPECT_TRUE(has_fault(one.patch(4, hex_bytes("E3")), "BASEDATA", 16,
+                        "1 bytes after the last item"));
+  EXPECT_TRUE(has_fault(one.patch(4, hex_bytes("C4")), "BASEDATA", 12,
+                        "numeric item of 4 data bytes, expected 1"));
+  // "ABCD" read as the 3-byte refcode is too wide for it.
+  EXPECT_TRUE(has_fault(one.patch(1, hex_bytes("01")), "BASEDATA", 12,
+                        "refcode decodes to 4 bytes, more than 3"));
+  EXPECT_TRUE(
+      has_fault(one.patch(5, hex_bytes("00")), "BASEDATA", 12, "NUL byte"));
+  EXPECT_TRUE(has_fault(one.patch(2, hex_bytes("04")), "BASEDATA", 10,
+                        "unused presence bits"));
+  EXPECT_TRUE(has_fault(one.patch(1, hex_bytes("0C")), "BASEDATA", 17,
+                        "item of parity starts past the end"));
+}
+
+TEST(RefdbCheck, IndexFaultsNameTheirOffsetAndCause) {
+  TestDb db(kCorpusCsv);
+  const RefdbImages good = images_of(db.dir());
+  auto with = [&](std::string RefdbImages::*file, size_t at,
+                  const std::string &bytes) {
+    RefdbImages images = good;
+    (images.*file).replace(at, bytes.size(), bytes);
+    return check_reference_images(images);
+  };
+  // LEVEL1: HK then KLN. Make the second key equal the first.
+  CheckReport dup = with(&RefdbImages::level1, 40, "HK ");
+  EXPECT_TRUE(has_fault(dup, "LEVEL1", 40, "not above the key before it"))
+      << all_faults(dup);
+  CheckReport count = with(&RefdbImages::level1, 38, hex_bytes("0002"));
+  EXPECT_TRUE(has_fault(count, "LEVEL1", 38,
+                        "counts 2 streets, its segment "
+                        "holds 1"))
+      << all_faults(count);
+  CheckReport outside = with(&RefdbImages::level1, 30, hex_bytes("00010000"));
+  EXPECT_TRUE(has_fault(outside, "LEVEL1", 30, "runs past the end of LEVEL2"));
+  RefdbImages partial = good;
+  partial.level1.resize(85);
+  EXPECT_TRUE(has_fault(check_reference_images(partial), "LEVEL1", 80,
+                        "partial record of 5 bytes"));
+
+  // LEVEL2: KLN's segment is CANTON ROAD then NATHAN ROAD.
+  size_t canton = good.level2.find("CANTON ROAD") - 10;
+  size_t nathan = good.level2.find("NATHAN ROAD") - 10;
+  CheckReport order = with(&RefdbImages::level2, nathan + 10, "A");
+  EXPECT_TRUE(has_fault(order, "LEVEL2", nathan, "is not above the street"))
+      << all_faults(order);
+  CheckReport unterminated =
+      with(&RefdbImages::level2, nathan + 21, std::string(1, 'X'));
+  EXPECT_TRUE(has_fault(unterminated, "LEVEL2", nathan + 10,
+                        "not terminated inside its segment"))
+      << all_faults(unterminated);
+  CheckReport too_long =
+      with(&RefdbImages::level2, canton + 21, std::string(20, 'X'));
+  EXPECT_TRUE(
+      has_fault(too_long, "LEVEL2", canton + 10, "longer than 30 bytes"))
+      << all_faults(too_long);
+  CheckReport records =
+      with(&RefdbImages::level2, canton + 8, hex_bytes("0007"));
+  EXPECT_TRUE(has_fault(records, "LEVEL2", canton + 8,
+                        "counts 7 records, its block holds 1"))
+      << all_faults(records);
+  CheckReport header =
+      with(&RefdbImages::level2, canton, hex_bytes("00000004"));
+  EXPECT_TRUE(has_fault(header, "LEVEL2", canton, "lies outside BASEDATA"));
+  RefdbImages odd = good;
+  odd.level2.push_back('\0');
+  EXPECT_TRUE(has_fault(check_reference_images(odd), "LEVEL2", 23200,
+                        "not a whole number of 23200-byte units"));
+}
+
+TEST(RefdbCheck, FaultListIsCappedButCounted) {
+  TestDb db(kCorpusCsv);
+  RefdbImages images = images_of(db.dir());
+  images.level2.resize(7);  // every segment now lies outside
+  images.basedata.resize(9);
+  CheckReport r = check_reference_images(images, 2);
+  EXPECT_EQ(r.faults.size(), 2u);
+  EXPECT_EQ(r.fault_count, 4u) << all_faults(r);
+}
+
+// Random damage to the sample database: the check must stay inside the
+// images (AddressSanitizer watches), and whatever it accepts must dump to a
+// CSV that reads back as one 12-field row per record, whatever bytes the
+// damage put into the texts.
+TEST(RefdbCheck, RandomDamageToTheSampleIsHandled) {
+  const RefdbImages good = images_of(orlo::testing::sample_db_dir());
+  const size_t used[3] = {good.level1.size(),
+                          good.level2.find_last_not_of('\0') + 1,
+                          good.basedata.find_last_not_of('\0') + 1};
+  std::mt19937 rng(20261101);
+  int accepted = 0;
+  for (int round = 0; round < 400; ++round) {
+    RefdbImages images = good;
+    std::string *files[3] = {&images.level1, &images.level2, &images.basedata};
+    size_t which = rng() % 3;
+    std::string &file = *files[which];
+    for (int n = 1 + rng() % 3; n > 0; --n)
+      file[rng() % used[which]] = static_cast<char>(rng());
+    if (rng() % 8 == 0) file.resize(rng() % file.size());
+    CheckReport report = check_reference_images(images);
+    if (report.fault_count > 0) continue;
+    ++accepted;
+    std::string csv;
+    WalkTotals totals;
+    dump_reference_images(
+        images, [&csv](std::string_view b) { csv.append(b); }, &totals);
+    CsvReader reader(csv);
+    std::vector<std::string> row;
+    uint64_t rows = 0;
+    while (reader.next(&row) == CsvReader::Status::kRow) {
+      ASSERT_EQ(row.size(), 12u) << "round " << round;
+      ++rows;
+    }
+    ASSERT_TRUE(reader.error().empty()) << reader.error();
+    EXPECT_EQ(rows, totals.records + 1) << "round " << round;
+  }
+  // Some damage lands in texts and keys and passes; most must not.
+  EXPECT_GT(accepted, 0);
+  EXPECT_LT(accepted, 400);
+}
+
+}  // namespace
+}  // namespace orlo::tools
