@@ -104,7 +104,7 @@ int32_t word_set_score(char *a, char *b, int32_t len) {
 struct Alignment {
   WordList list_a;
   WordList list_b;
-  MWORD pool[kSplitPoolNodes];
+  MWORD pool[kSplitPoolNodes] = {};
   int32_t pool_used = 0;
   int32_t score = 100;
   int32_t unmatched = 0;

@@ -236,7 +236,13 @@ Code open_instance(HKMCB *m, const char *options, const char *level1,
     Code c = load_image(m->lvl2fp, kLevel2Seek, &m->lvl2mem, &m->lvl2size);
     if (c != kOk) return c;
   }
-  if (!segments_inside_level2(m)) return kLevel2Seek;
+  if (!segments_inside_level2(m)) {
+    // An index that points outside LEVEL2 is not kept: without it and with
+    // LEVEL1 closed, the instance is one whose open failed.
+    close_file(m->lvl1fp);
+    m->lvl1cnt = 0;
+    return kLevel2Seek;
+  }
   if (m->inmem == 1)
     return load_image(m->basefp, kBasedataSeek, &m->basemem, &m->basesize);
   return kOk;

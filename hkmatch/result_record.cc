@@ -82,11 +82,13 @@ void echo_input(const char *in, char *out) {
 }
 
 // The reference street name: the name of candidate bcand. An index outside
-// the candidate list gives an empty name. A candidate list never holds more
-// entries than the street table it points into.
+// the candidate list gives an empty name. The list holds at most one entry
+// per street of the table, and no more than its capacity when the search
+// has recorded one (a list built by hand may leave the capacity at 0).
 std::string_view reference_street(const HKMCB *mcb, int32_t bcand) {
   if (mcb == nullptr || mcb->cands == nullptr || bcand < 0 ||
-      bcand >= static_cast<int32_t>(mcb->lvl2cnt)) {
+      bcand >= static_cast<int32_t>(mcb->lvl2cnt) ||
+      (mcb->candcap > 0 && bcand >= mcb->candcap)) {
     return {};
   }
   const STREETENT *street = mcb->cands[bcand];

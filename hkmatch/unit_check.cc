@@ -82,6 +82,8 @@ size_t take_number(const Line &line, size_t pos, Take take,
          (take == Take::kText || is_digit(line[pos]))) {
     number[n++] = line[pos++];
   }
+  // n is at most kMaxCopy and the text has room for kMaxCopy + 1 bytes.
+  // cppcheck-suppress containerOutOfBounds
   number[n] = '\0';
   return pos;
 }

@@ -19,10 +19,10 @@ extern "C" {
 
 /* A word node: a word inside the caller's text. */
 typedef struct MWORD {
-  struct MWORD *next;  /* NULL for the last word */
-  struct MWORD *prev;  /* NULL for the first word */
-  char *text;          /* first byte of the word in the caller's text */
-  int32_t len;         /* length of the word in bytes */
+  struct MWORD *next; /* NULL for the last word */
+  struct MWORD *prev; /* NULL for the first word */
+  char *text;         /* first byte of the word in the caller's text */
+  int32_t len;        /* length of the word in bytes */
 } MWORD;
 
 ORLO_API int32_t m_isnumb(const char *text, int32_t len);

@@ -21,10 +21,10 @@ extern "C" {
 
 /* One entry of the first-level (region) index held in memory. */
 typedef struct L1ENTRY {
-  char l1key[30];  /* region key, blank-padded, as stored in LEVEL1 */
-  uint32_t l2off;  /* offset of the region's segment in LEVEL2 */
-  uint32_t l2len;  /* length of the segment in bytes */
-  uint16_t l2cnt;  /* number of street records in the segment */
+  char l1key[30]; /* region key, blank-padded, as stored in LEVEL1 */
+  uint32_t l2off; /* offset of the region's segment in LEVEL2 */
+  uint32_t l2len; /* length of the segment in bytes */
+  uint16_t l2cnt; /* number of street records in the segment */
 } L1ENTRY;
 
 /* An unpacked reference (base) record with the scores the search puts on it.
@@ -40,11 +40,11 @@ typedef struct HKBASEREC {
   char bhitext[6];
   char bfld9[35];
   char baddr[31];
-  char bside;       /* 'B' both sides, 'E' even, 'O' odd */
-  int32_t bscore;   /* street score of the record's street */
-  int32_t bcand;    /* index of the record's street in the candidate list */
-  int16_t bmscore;  /* comparison score */
-  int32_t bpen;     /* penalty count */
+  char bside;      /* 'B' both sides, 'E' even, 'O' odd */
+  int32_t bscore;  /* street score of the record's street */
+  int32_t bcand;   /* index of the record's street in the candidate list */
+  int16_t bmscore; /* comparison score */
+  int32_t bpen;    /* penalty count */
   int32_t blorc;
   int32_t blonum;
   char blotyp;
@@ -59,13 +59,13 @@ typedef struct HKBASEREC {
 
 /* One street of a region's street table. */
 typedef struct STREETENT {
-  uint32_t boff;      /* block offset in BASEDATA */
-  uint32_t blen;      /* block length */
-  char *bpack;        /* owning: cached packed block, or NULL */
-  HKBASEREC *bunpk;   /* owning: cached unpacked records (bcnt), or NULL */
-  uint16_t bcnt;      /* number of base records in the block */
-  uint8_t sscore;     /* street score when it last became a candidate */
-  char sname[33];     /* street name, NUL-terminated */
+  uint32_t boff;    /* block offset in BASEDATA */
+  uint32_t blen;    /* block length */
+  char *bpack;      /* owning: cached packed block, or NULL */
+  HKBASEREC *bunpk; /* owning: cached unpacked records (bcnt), or NULL */
+  uint16_t bcnt;    /* number of base records in the block */
+  uint8_t sscore;   /* street score when it last became a candidate */
+  char sname[33];   /* street name, NUL-terminated */
 } STREETENT;
 
 /* The match control block: the whole state of one geocoder instance. */
@@ -74,18 +74,18 @@ typedef struct HKMCB {
   FILE *lvl1fp;
   FILE *lvl2fp;
   FILE *outfp;
-  int32_t outmode;      /* 0 none, 1 street extract, 2 base record extract */
+  int32_t outmode; /* 0 none, 1 street extract, 2 base record extract */
   char outpath[200];
-  HKBASEREC *baserecs;  /* owning */
+  HKBASEREC *baserecs; /* owning */
   HKBASEREC *basecur;
-  char *blockbuf;       /* owning */
-  L1ENTRY *lvl1tab;     /* owning (state 'O') */
-  STREETENT *lvl2tab;   /* owning */
-  char *lvl2mem;        /* owning: LEVEL2 image in memory mode */
-  char *basemem;        /* owning: BASEDATA image in memory mode */
+  char *blockbuf;     /* owning */
+  L1ENTRY *lvl1tab;   /* owning (state 'O') */
+  STREETENT *lvl2tab; /* owning */
+  char *lvl2mem;      /* owning: LEVEL2 image in memory mode */
+  char *basemem;      /* owning: BASEDATA image in memory mode */
   uint16_t lvl2cnt;
-  char *lvl2buf;        /* owning: raw LEVEL2 segment of the current key */
-  STREETENT **cands;    /* owning: candidate list */
+  char *lvl2buf;     /* owning: raw LEVEL2 segment of the current key */
+  STREETENT **cands; /* owning: candidate list */
   char lastkey[30];
   int32_t lastidx;
   char lastname[31];
@@ -98,13 +98,28 @@ typedef struct HKMCB {
   int32_t lvl1cnt;
   int32_t nread;
   int32_t nmatched;
-  char state;           /* 'O' open instance, 'R' private copy of an "R" call */
+  char state; /* 'O' open instance, 'R' private copy of an "R" call */
   int32_t inmem;
   /* Additions after the fields above: the sizes of LEVEL2 and BASEDATA (of
    * the files, or of the images in memory mode) as found at open, against
    * which every offset and length read from the reference data is checked. */
   int64_t lvl2size;
   int64_t basesize;
+  /* Capacities of the search's reusable buffers, so that a search on warm
+   * caches allocates nothing and a change of region allocates only its
+   * caches: entries of cands, records of baserecs, bytes of blockbuf, bytes
+   * of lvl2buf, entries of lvl2tab. Each one counts only while its pointer
+   * is non-NULL, so a copy that clears the pointers (an "R" call) needs no
+   * other change. */
+  int64_t candcap;
+  int64_t reccap;
+  int64_t blockcap;
+  int64_t lvl2bufcap;
+  int64_t lvl2tabcap;
+  /* 1 when the entries of lvl2tab are in order of their first bytes, so
+   * that a fuzzy scan may start at the first name with the input's initial
+   * instead of walking past every name that sorts before it. */
+  int32_t lvl2initials;
 } HKMCB;
 
 /* The handle area of one instance: word 0 holds the HKMCB address, the rest
@@ -147,7 +162,8 @@ ORLO_API int32_t hk_cvtr(const char *text, int32_t *v1, char *k1, int32_t *v2,
  * print. */
 ORLO_API int32_t hk_doem(const char *rec);
 
-/* ---- Opening, closing and packed records ---------------------------------- */
+/* ---- Opening, closing and packed records ----------------------------------
+ */
 
 /* Opens an instance: allocates the HKMCB, stores it in *handle before anything
  * can fail, decodes the option string, opens the three files and loads the
@@ -172,7 +188,8 @@ ORLO_API void hk_stsd(const unsigned char *item, char *text);
  * the record against its length first. */
 ORLO_API void hk_unpk(HKBASEREC *rec, const unsigned char *packed);
 
-/* ---- Candidate evaluation ------------------------------------------------- */
+/* ---- Candidate evaluation -------------------------------------------------
+ */
 
 /* Prepares the 200-byte input record into work. mcb is not used. */
 ORLO_API void hk_pad(const char *inrec, HKWORKREC *work, HKMCB *mcb);
@@ -180,9 +197,9 @@ ORLO_API void hk_pad(const char *inrec, HKWORKREC *work, HKMCB *mcb);
 /* Range test of a parsed premise number against a reference range. Returns
  * 1 in range (score possibly adjusted), 0 not in range. */
 ORLO_API int32_t hk_mvir(int32_t i1, char k1, int32_t i2, char k2, char side,
-                         int32_t l1, char lk1, int32_t l2, char lk2,
-                         int32_t h1, char hk1, int32_t h2, char hk2,
-                         int32_t *score, char rside, char both);
+                         int32_t l1, char lk1, int32_t l2, char lk2, int32_t h1,
+                         char hk1, int32_t h2, char hk2, int32_t *score,
+                         char rside, char both);
 
 /* Compares one reference record with the prepared input: 0 acceptable,
  * 3 rejected on the premise or unit number, 4 rejected otherwise. Sets
@@ -193,15 +210,15 @@ ORLO_API uint32_t hk_mcte(HKBASEREC *rec, HKWORKREC *work);
 ORLO_API void hk_fret(HKWORKREC *work, HKBASEREC *chosen, const char *inrec,
                       HKMCB *mcb, char *outrec);
 
-/* ---- Search ---------------------------------------------------------------- */
+/* ---- Search ----------------------------------------------------------------
+ */
 
 /* Searches one prepared record in the instance whose HKMCB address is word 0
  * of *handle and writes the output record. Returns 0 when the search ran to
  * its end, 1 when it stopped early. area, zero and area30 are not used. */
 ORLO_API int32_t hk_mpro(void *handle, HKWORKREC *work, char *outrec,
                          const char *inrec, char *namelist, char *reclist,
-                         int32_t level, char *area, int32_t zero,
-                         char *area30);
+                         int32_t level, char *area, int32_t zero, char *area30);
 
 /* Listing mode 1: six lines describing one base record on standard error. */
 ORLO_API void hk_disd(const HKBASEREC *rec, const STREETENT *street,
@@ -211,7 +228,8 @@ ORLO_API void hk_disd(const HKBASEREC *rec, const STREETENT *street,
 ORLO_API void hk_dsus(const HKBASEREC *rec, const STREETENT *street,
                       const char *inrec, const HKMCB *mcb, char *slot);
 
-/* ---- Call interface -------------------------------------------------------- */
+/* ---- Call interface --------------------------------------------------------
+ */
 
 /* The matcher's one entry point. callType's first character selects open
  * "O", process "P" (or "D"), private-copy process "R" or close "C"; every
@@ -223,21 +241,20 @@ ORLO_API void hk_mtci(const char *callType, void *handle, const char *inRec,
                       const char *reportLine4, const char *reportLine5,
                       const char *reportLine6, const char *reportPath,
                       const char *level1Path, const char *level2Path,
-                      const char *basedataPath, char *namelist,
-                      char *reclist);
+                      const char *basedataPath, char *namelist, char *reclist);
 
 /* Writes the address accuracy statement to path (or standard output when
  * the file cannot be created). */
 ORLO_API void hk_form(const char *ident1, const char *ident2,
                       const char *ident3, const char *ident4,
-                      const char *ident5, const char *line1,
-                      const char *line2, const char *line3, const char *line4,
-                      const char *line5, const char *line6,
-                      const char *procdate, const char *dbdate,
-                      const int32_t *nread, const int32_t *nmatched,
-                      const char *path);
+                      const char *ident5, const char *line1, const char *line2,
+                      const char *line3, const char *line4, const char *line5,
+                      const char *line6, const char *procdate,
+                      const char *dbdate, const int32_t *nread,
+                      const int32_t *nmatched, const char *path);
 
-/* ---- Input record mapping ---------------------------------------------------- */
+/* ---- Input record mapping
+ * ---------------------------------------------------- */
 
 /* Size of the caller's source record read by hk_amat. */
 enum { HKSRCREC_SIZE = 8528 };

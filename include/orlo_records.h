@@ -8,6 +8,7 @@
 #ifndef ORLO_RECORDS_H
 #define ORLO_RECORDS_H
 
+/* clang-format off */
 enum {
   HKINREC_SIZE = 200,
   HKOUTREC_SIZE = 300,
@@ -49,6 +50,7 @@ enum {
   HKOUT_GRADE_OFF = 298, HKOUT_GRADE_LEN = 1,
   HKOUT_BLDGSRC_OFF = 299, HKOUT_BLDGSRC_LEN = 1
 };
+/* clang-format on */
 
 /* Each field ends where the next begins and the last one ends at the size. */
 #define ORLO_RECORD_FOLLOWS(a, b) (a##_OFF + a##_LEN == b##_OFF)

@@ -8,3 +8,7 @@ mapfile -t sources < <(git ls-files -co --exclude-standard -- \
 cppcheck --quiet --error-exitcode=1 --std=c++20 --language=c++ \
   --enable=warning,performance,portability --inline-suppr \
   --suppress=missingIncludeSystem -I include -I . "${sources[@]}"
+
+# Every C and C++ file follows .clang-format.
+git ls-files -co --exclude-standard -- '*.c' '*.cc' '*.h' |
+  xargs clang-format --dry-run --Werror

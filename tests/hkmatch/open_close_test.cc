@@ -410,6 +410,11 @@ TEST_P(SegmentBounds, IndexEntriesMustLieInsideLevel2) {
     SCOPED_TRACE(options);
     EXPECT_EQ(open(options), c.opens ? 0 : 1);
     EXPECT_EQ(retcode_, c.opens ? '0' : '4');
+    // A refused index is dropped and LEVEL1 closed, so that callers can
+    // tell the failed instance from an open one.
+    ASSERT_NE(mcb_, nullptr);
+    EXPECT_EQ(mcb_->lvl1fp != nullptr, c.opens);
+    EXPECT_EQ(mcb_->lvl1cnt, c.opens ? 2 : 0);
   }
 }
 

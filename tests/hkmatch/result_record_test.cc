@@ -29,6 +29,7 @@ class ResultRecord : public ::testing::Test {
     mcb_.lvl2tab = streets_.data();
     mcb_.lvl2cnt = static_cast<uint16_t>(streets_.size());
     mcb_.cands = cands_.data();
+    mcb_.candcap = static_cast<int64_t>(cands_.size());
 
     std::memset(&ref_, 0, sizeof ref_);
     std::strcpy(ref_.brefcode, "K01");
@@ -256,7 +257,8 @@ TEST_F(ResultRecord, WithReferenceInModeThree) {
 TEST_F(ResultRecord, StreetIndexOutsideTheCandidateListGivesNoName) {
   InputRecord inrec;
   inrec.premno("12").street("NATHAN RD");
-  for (int32_t bad : {-1, 3, 40000}) {
+  // 2 names a street of the table but lies past the end of the list.
+  for (int32_t bad : {-1, 2, 3, 40000}) {
     ref_.bcand = bad;
     const std::string o = with_ref(inrec);
     EXPECT_EQ(field(o, out::street), std::string(30, ' ')) << bad;

@@ -67,7 +67,8 @@ public final class GeocodeCsv {
     System.err.printf("%d addresses, %d matched, %d threads%n", results.size(), matched, threads);
   }
 
-  static List<Address> readAddresses(Path csv) throws IOException {
+  /** Reads the addresses of a CSV file with the header above. */
+  public static List<Address> readAddresses(Path csv) throws IOException {
     List<Address> list = new ArrayList<>();
     try (BufferedReader in = Files.newBufferedReader(csv, StandardCharsets.ISO_8859_1)) {
       String header = in.readLine();
@@ -100,7 +101,7 @@ public final class GeocodeCsv {
   }
 
   /** Splits one CSV line with double-quote quoting. */
-  static List<String> splitCsv(String line) {
+  public static List<String> splitCsv(String line) {
     List<String> fields = new ArrayList<>();
     StringBuilder cur = new StringBuilder();
     boolean quoted = false;

@@ -1,0 +1,172 @@
+#include "hkgeocode/input_rows.h"
+
+#include <cstdio>
+
+#include "common/fixed_field.h"
+#include "hkmatch/record_fields.h"
+#include "orlo_records.h"
+
+namespace orlo::tools::hkgeocode {
+namespace {
+
+// Where each CSV column goes in the input record. The floor and unit line is
+// stored in two pieces: its first 25 characters in in_unit, the last 5 in
+// in_unitext near the end of the record.
+struct ColumnPlace {
+  FieldRef field;
+  FieldRef overflow;  // continuation field, width 0 when none
+};
+
+constexpr ColumnPlace kPlaces[] = {
+    {in::refcode, {0, 0}},  {in::premno, {0, 0}},    {in::street, {0, 0}},
+    {in::bldg, {0, 0}},     {in::unit, in::unitext}, {in::extra, {0, 0}},
+    {in::district, {0, 0}}, {in::region, {0, 0}},    {in::mode, {0, 0}},
+};
+static_assert(std::size(kPlaces) == kInputColumns.size());
+
+bool printable(unsigned char c) {
+  return c >= 0x20 && c < 0x7F;
+}
+
+// Describes the first byte of text that is not printable ASCII, if any.
+bool find_unprintable(std::string_view text, std::string *where) {
+  for (size_t i = 0; i < text.size(); ++i) {
+    auto c = static_cast<unsigned char>(text[i]);
+    if (printable(c)) continue;
+    char buf[80];
+    std::snprintf(buf, sizeof buf,
+                  "byte 0x%02X at position %zu is not printable text", c,
+                  i + 1);
+    *where = buf;
+    return true;
+  }
+  return false;
+}
+
+bool place_field(const ColumnPlace &place, std::string_view name,
+                 const std::string &value, std::string *record,
+                 std::string *error) {
+  std::string where;
+  if (find_unprintable(value, &where)) {
+    *error = std::string(name) + ": " + where;
+    return false;
+  }
+  size_t width = static_cast<size_t>(place.field.len + place.overflow.len);
+  if (value.size() > width) {
+    *error = std::string(name) + ": " + std::to_string(value.size()) +
+             " characters, at most " + std::to_string(width);
+    return false;
+  }
+  std::string_view v = value;
+  size_t head = std::min(v.size(), static_cast<size_t>(place.field.len));
+  put_field(record->data(), place.field, v.substr(0, head));
+  if (place.overflow.len > 0) {
+    put_field(record->data(), place.overflow, v.substr(head));
+  }
+  return true;
+}
+
+}  // namespace
+
+bool record_from_fields(const std::vector<std::string> &fields,
+                        std::string *record, std::string *error) {
+  if (fields.size() != kInputColumns.size()) {
+    *error = "expected 9 fields, found " + std::to_string(fields.size());
+    return false;
+  }
+  record->assign(HKINREC_SIZE, ' ');
+  for (size_t i = 0; i < fields.size(); ++i) {
+    if (!place_field(kPlaces[i], kInputColumns[i], fields[i], record, error))
+      return false;
+  }
+  return true;
+}
+
+bool check_raw_record(std::string_view record, std::string *error) {
+  if (record.size() != HKINREC_SIZE) {
+    *error = "short record of " + std::to_string(record.size()) +
+             " bytes, expected 200";
+    return false;
+  }
+  std::string where;
+  if (find_unprintable(record, &where)) {
+    *error = where;
+    return false;
+  }
+  return true;
+}
+
+RowSource::RowSource(std::FILE *in, bool fixed) : in_(in), fixed_(fixed) {
+  if (!fixed_) csv_ = std::make_unique<CsvReader>(in_);
+}
+
+bool RowSource::start(std::string *error) {
+  if (fixed_) return true;
+  std::vector<std::string> header;
+  CsvReader::Status s = csv_->next(&header);
+  bool ok =
+      s == CsvReader::Status::kRow && header.size() == kInputColumns.size();
+  for (size_t i = 0; ok && i < header.size(); ++i) {
+    ok = header[i] == kInputColumns[i];
+  }
+  if (ok) return true;
+  if (s == CsvReader::Status::kError) {
+    *error = "line " + std::to_string(csv_->line()) + ": " + csv_->error();
+  } else if (s == CsvReader::Status::kEnd) {
+    *error = "empty input: the header line is missing";
+  } else {
+    *error =
+        "line 1: expected the header "
+        "refcode,premno,street,building,unit,extra,district,region,mode";
+  }
+  return false;
+}
+
+bool RowSource::next_csv(InputRow *row) {
+  CsvReader::Status s = csv_->next(&row->fields);
+  if (s == CsvReader::Status::kEnd) return false;
+  row->line = csv_->line();
+  if (s == CsvReader::Status::kError) {
+    // The reader cannot find the next row after malformed input.
+    row->error = "malformed CSV (" + csv_->error() +
+                 "); the rest of the input is not read";
+    row->fields.clear();
+    ended_ = true;
+    return true;
+  }
+  record_from_fields(row->fields, &row->record, &row->error);
+  return true;
+}
+
+bool RowSource::next_fixed(InputRow *row) {
+  std::string rec(HKINREC_SIZE, ' ');
+  size_t n = std::fread(rec.data(), 1, rec.size(), in_);
+  if (n == 0) return false;
+  rec.resize(n);
+  row->line = ++records_;
+  if (check_raw_record(rec, &row->error)) row->record = std::move(rec);
+  if (n < HKINREC_SIZE) ended_ = true;
+  return true;
+}
+
+size_t RowSource::read_batch(size_t n, std::vector<InputRow> *rows) {
+  size_t added = 0;
+  while (added < n && !ended_) {
+    InputRow row;
+    bool got = fixed_ ? next_fixed(&row) : next_csv(&row);
+    if (!got) {
+      ended_ = true;
+      break;
+    }
+    rows->push_back(std::move(row));
+    ++added;
+  }
+  return added;
+}
+
+uint64_t RowSource::bytes_read() const {
+  long pos = std::ftell(in_);
+  return pos > 0 ? static_cast<uint64_t>(pos) : 0;
+}
+
+}  // namespace orlo::tools::hkgeocode

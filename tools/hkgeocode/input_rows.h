@@ -1,0 +1,70 @@
+// The rows hkgeocode reads: CSV rows turned into 200-byte input records, or
+// raw records, each checked, with the line it came from.
+#ifndef ORLO_TOOLS_HKGEOCODE_INPUT_ROWS_H
+#define ORLO_TOOLS_HKGEOCODE_INPUT_ROWS_H
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lib/csv_reader.h"
+
+namespace orlo::tools::hkgeocode {
+
+// The columns of the input CSV, in order.
+inline constexpr std::array<std::string_view, 9> kInputColumns = {
+    "refcode", "premno",   "street", "building", "unit",
+    "extra",   "district", "region", "mode"};
+
+struct InputRow {
+  long line = 0;                    // CSV line, or record number with --fixed
+  std::vector<std::string> fields;  // the CSV fields as read
+  std::string record;               // the 200-byte input record
+  std::string error;                // why the row is bad; empty when good
+
+  bool bad() const { return !error.empty(); }
+};
+
+// Fills *record (200 bytes) from the nine CSV fields. False with *error set
+// when the row cannot be a record: a wrong number of fields, a field wider
+// than its place in the record, or a byte that is not printable ASCII.
+bool record_from_fields(const std::vector<std::string> &fields,
+                        std::string *record, std::string *error);
+
+// Checks a raw input record: 200 bytes of printable ASCII.
+bool check_raw_record(std::string_view record, std::string *error);
+
+// Reads the input in batches.
+class RowSource {
+ public:
+  RowSource(std::FILE *in, bool fixed);
+
+  // Reads the CSV header line (nothing with --fixed). False with *error set
+  // when it is not the expected header.
+  bool start(std::string *error);
+
+  // Appends up to n rows to *rows. Returns the number appended; 0 when the
+  // input is exhausted. Malformed CSV yields one bad row and ends the input.
+  size_t read_batch(size_t n, std::vector<InputRow> *rows);
+
+  // Bytes of the input consumed so far (for the progress display).
+  uint64_t bytes_read() const;
+
+ private:
+  bool next_csv(InputRow *row);
+  bool next_fixed(InputRow *row);
+
+  std::FILE *in_;
+  bool fixed_;
+  bool ended_ = false;
+  long records_ = 0;
+  std::unique_ptr<CsvReader> csv_;
+};
+
+}  // namespace orlo::tools::hkgeocode
+
+#endif  // ORLO_TOOLS_HKGEOCODE_INPUT_ROWS_H

@@ -1,0 +1,219 @@
+// hkgeocode: matches a file of Hong Kong addresses against a reference
+// database through the matcher's call interface, one record per process
+// call, on one or more instances, and writes every row with its result.
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "hkgeocode/batch_runner.h"
+#include "hkgeocode/geocoder.h"
+#include "hkgeocode/input_rows.h"
+#include "hkgeocode/options.h"
+#include "hkgeocode/output_format.h"
+#include "hkgeocode/run_summary.h"
+#include "orlo_matcher.h"
+
+namespace orlo::tools::hkgeocode {
+namespace {
+
+// Rows read and processed at a time, per worker.
+constexpr size_t kRowsPerWorker = 2048;
+
+int usage_error(const std::string &message) {
+  std::fprintf(stderr, "hkgeocode: %s\nTry 'hkgeocode --help'.\n",
+               message.c_str());
+  return kExitUsage;
+}
+
+int fail(const std::string &message) {
+  std::fprintf(stderr, "hkgeocode: %s\n", message.c_str());
+  return kExitUsage;
+}
+
+std::string system_error(const std::string &what, const std::string &path) {
+  return what + " " + path + ": " + std::strerror(errno);
+}
+
+uint64_t regular_file_size(std::FILE *f) {
+  struct stat st;
+  if (fstat(fileno(f), &st) != 0 || !S_ISREG(st.st_mode)) return 0;
+  return static_cast<uint64_t>(st.st_size);
+}
+
+// The files of one run; standard streams are not closed.
+struct Streams {
+  std::FILE *in = nullptr;
+  std::FILE *out = nullptr;
+  std::string in_name;
+
+  ~Streams() {
+    if (in != nullptr && in != stdin) std::fclose(in);
+    if (out != nullptr && out != stdout) std::fclose(out);
+  }
+};
+
+int open_streams(const Options &o, Streams *s) {
+  s->in_name = o.input == "-" ? "standard input" : o.input;
+  s->in = o.input == "-" ? stdin : std::fopen(o.input.c_str(), "rb");
+  if (s->in == nullptr) return fail(system_error("cannot open", o.input));
+  // Checked now rather than at the close, where a report file that cannot
+  // be created would send the statement into the output.
+  if (!o.report_path.empty()) {
+    std::FILE *r = std::fopen(o.report_path.c_str(), "a");
+    if (r == nullptr) return fail(system_error("cannot write", o.report_path));
+    std::fclose(r);
+  }
+  s->out = o.out_path.empty() ? stdout : std::fopen(o.out_path.c_str(), "wb");
+  if (s->out == nullptr) return fail(system_error("cannot create", o.out_path));
+  return kExitOk;
+}
+
+int open_instances(const Options &o,
+                   std::vector<std::unique_ptr<Geocoder>> *instances) {
+  std::string dir = o.db_dir.empty() ? default_db_dir() : o.db_dir;
+  for (int i = 0; i < o.threads; ++i) {
+    auto g = std::make_unique<Geocoder>();
+    char code = g->open(dir, o.open_options);
+    if (code != '0') {
+      std::fprintf(stderr, "hkgeocode: cannot open the reference database %s\n",
+                   dir.c_str());
+      hk_doem(g->open_record());
+      return kExitUsage;
+    }
+    instances->push_back(std::move(g));
+  }
+  return kExitOk;
+}
+
+void report_bad_row(const std::string &in_name, bool fixed,
+                    const InputRow &row) {
+  std::fprintf(stderr, "hkgeocode: %s:%s%ld: %s\n", in_name.c_str(),
+               fixed ? "record " : "", row.line, row.error.c_str());
+}
+
+void write_rows(const Options &o, const std::vector<InputRow> &rows,
+                const std::vector<char> &outrecs, std::FILE *out,
+                std::string *buffer) {
+  buffer->clear();
+  for (size_t i = 0; i < rows.size(); ++i) {
+    const char *rec = outrecs.data() + i * HKOUTREC_SIZE;
+    if (o.fixed) {
+      append_raw_record(rows[i], rec, buffer);
+    } else if (o.table) {
+      append_table_row(rows[i], rec, buffer);
+    } else if (rows[i].bad()) {
+      append_bad_row(rows[i], buffer);
+    } else {
+      append_result_row(rows[i], rec, buffer);
+    }
+  }
+  std::fwrite(buffer->data(), 1, buffer->size(), out);
+}
+
+void process_all(const Options &o, const Streams &s, RowSource *source,
+                 std::vector<std::unique_ptr<Geocoder>> *instances,
+                 Totals *totals) {
+  Progress progress(!o.quiet, regular_file_size(s.in));
+  BatchRunner runner(instances);
+  std::vector<InputRow> rows;
+  std::vector<char> outrecs;
+  std::string buffer;
+  size_t batch = kRowsPerWorker * instances->size();
+  for (;;) {
+    rows.clear();
+    if (source->read_batch(batch, &rows) == 0) break;
+    runner.run(rows, &outrecs);
+    for (size_t i = 0; i < rows.size(); ++i) {
+      if (rows[i].bad()) {
+        progress.finish();  // messages start on a line of their own
+        report_bad_row(s.in_name, o.fixed, rows[i]);
+      }
+      totals->add(rows[i], outrecs.data() + i * HKOUTREC_SIZE);
+    }
+    write_rows(o, rows, outrecs, s.out, &buffer);
+    progress.update(totals->read, source->bytes_read());
+  }
+  progress.finish();
+}
+
+// The first instance takes the counts of all the others and is closed last,
+// with the statement; the others are closed without one.
+void close_instances(const Options &o,
+                     std::vector<std::unique_ptr<Geocoder>> *instances) {
+  Geocoder &first = *(*instances)[0];
+  for (size_t i = 1; i < instances->size(); ++i) {
+    Geocoder &g = *(*instances)[i];
+    first.add_counts(g.records_read(), g.records_matched());
+    g.close_quietly();
+  }
+  if (o.report_path.empty()) {
+    first.close_quietly();
+    return;
+  }
+  if (!first.statement_allowed(o.open_options)) {
+    std::fprintf(stderr,
+                 "hkgeocode: the options \"%s\" allow no accuracy statement\n",
+                 o.open_options.c_str());
+  }
+  char code = first.close_with_statement(
+      o.open_options, StatementRequest{o.report_path, o.report_lines});
+  if (code != '0') {
+    std::fputs("hkgeocode: the accuracy statement was not written\n", stderr);
+    char rec[HKOUTREC_SIZE] = {code};
+    hk_doem(rec);
+  }
+}
+
+int run(const Options &o) {
+  auto start = std::chrono::steady_clock::now();
+  Streams s;
+  if (int rc = open_streams(o, &s); rc != kExitOk) return rc;
+  std::vector<std::unique_ptr<Geocoder>> instances;
+  if (int rc = open_instances(o, &instances); rc != kExitOk) return rc;
+  RowSource source(s.in, o.fixed);
+  std::string error;
+  if (!source.start(&error)) return fail(s.in_name + ": " + error);
+  if (o.table) {
+    std::fputs(table_header().c_str(), s.out);
+  } else if (!o.fixed) {
+    std::fputs(csv_header().c_str(), s.out);
+  }
+
+  Totals totals;
+  process_all(o, s, &source, &instances, &totals);
+  close_instances(o, &instances);
+  bool written = std::fflush(s.out) == 0 && std::ferror(s.out) == 0;
+  double seconds =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - start)
+          .count();
+  print_summary(stderr, totals, seconds);
+  if (!written) {
+    return fail(
+        "cannot write the output " +
+        (o.out_path.empty() ? std::string("to standard output") : o.out_path));
+  }
+  return totals.bad > 0 ? kExitBadRows : kExitOk;
+}
+
+}  // namespace
+}  // namespace orlo::tools::hkgeocode
+
+int main(int argc, char **argv) {
+  namespace hg = orlo::tools::hkgeocode;
+  hg::Options options;
+  std::string error;
+  if (!hg::parse_options(argc - 1, argv + 1, &options, &error)) {
+    return hg::usage_error(error);
+  }
+  if (options.help) {
+    std::fputs(hg::usage_text(), stdout);
+    return hg::kExitOk;
+  }
+  return hg::run(options);
+}

@@ -1,0 +1,173 @@
+#include "hkgeocode/options.h"
+
+#include <unistd.h>
+
+#include <climits>
+#include <string_view>
+
+namespace orlo::tools::hkgeocode {
+namespace {
+
+constexpr const char *kUsage =
+    "Usage: hkgeocode [OPTIONS] [INPUT]\n"
+    "\n"
+    "Matches Hong Kong addresses against a reference database, one record\n"
+    "at a time, and writes each input row with the matcher's result.\n"
+    "\n"
+    "INPUT is a CSV file with the header\n"
+    "  refcode,premno,street,building,unit,extra,district,region,mode\n"
+    "(widths 3, 8, 30, 30, 30, 30, 30, 30, 1; unit is the floor and unit\n"
+    "line; mode is the record mode byte, empty for none). Without INPUT, or\n"
+    "with '-', the rows are read from standard input. The output repeats\n"
+    "the input columns and adds every field of the result under a readable\n"
+    "name, with the meanings of the return code and the match status.\n"
+    "\n"
+    "Options:\n"
+    "  --db DIR            reference database (LEVEL1, LEVEL2, BASEDATA);\n"
+    "                      default: the sample database of the build\n"
+    "  --options TEXT      option string of the open (listing, pass, extract\n"
+    "                      and memory mode, e.g. \" M\" for memory mode)\n"
+    "  --threads N         N workers (1 to 64), each with its own instance;\n"
+    "                      the output is in input order and the same as with\n"
+    "                      one worker\n"
+    "  --table             a readable table (address, return code RC, match\n"
+    "                      status MS, result lines, reference) instead of CSV\n"
+    "  --fixed             raw 200-byte input records, raw 300-byte output\n"
+    "                      records\n"
+    "  --out PATH          output file (default: standard output)\n"
+    "  --report PATH       write the address accuracy statement at the end\n"
+    "  --report-line TEXT  a free line of the statement (up to six times)\n"
+    "  --quiet             no progress display\n"
+    "  --help              this text\n"
+    "\n"
+    "Bad rows (a wrong number of fields, a field wider than its record\n"
+    "field, a byte that is not printable ASCII, or malformed CSV) are\n"
+    "reported on standard error with their line, counted in the summary and\n"
+    "written to the output with return code E and the reason; with --fixed,\n"
+    "as a record of blanks with E in byte 0. Malformed CSV ends the input.\n"
+    "\n"
+    "The accuracy statement counts the records of all workers together: each\n"
+    "worker's instance is closed without a statement and the first one, its\n"
+    "counters holding the totals of all, is closed last with one. The open\n"
+    "options then decide, as for any close, whether a statement is written.\n"
+    "\n"
+    "A progress line is shown on standard error when it is a terminal; a\n"
+    "summary follows at the end. Exit status: 0 every row processed, 1 some\n"
+    "rows bad, 2 wrong usage or a file or database that cannot be used.\n";
+
+bool parse_threads(std::string_view text, int *threads) {
+  if (text.empty() || text.size() > 3) return false;
+  int n = 0;
+  for (char c : text) {
+    if (c < '0' || c > '9') return false;
+    n = n * 10 + (c - '0');
+  }
+  if (n < 1 || n > kMaxThreads) return false;
+  *threads = n;
+  return true;
+}
+
+bool takes_value(std::string_view name) {
+  for (std::string_view v : {"--db", "--options", "--threads", "--out",
+                             "--report", "--report-line"}) {
+    if (v == name) return true;
+  }
+  return false;
+}
+
+bool apply(std::string_view name, const std::string &value, Options *o,
+           std::string *error) {
+  if (name == "--db") {
+    o->db_dir = value;
+  } else if (name == "--options") {
+    o->open_options = value;
+  } else if (name == "--threads") {
+    if (!parse_threads(value, &o->threads)) {
+      *error = "--threads takes a number from 1 to 64, not '" + value + "'";
+      return false;
+    }
+  } else if (name == "--out") {
+    o->out_path = value;
+  } else if (name == "--report") {
+    o->report_path = value;
+  } else if (name == "--report-line") {
+    if (o->report_lines.size() == kMaxReportLines) {
+      *error = "at most six --report-line texts";
+      return false;
+    }
+    o->report_lines.push_back(value);
+  }
+  return true;
+}
+
+// An extract file is written by each instance to the same path, so extract
+// options and several workers exclude each other.
+bool writes_extract(const std::string &open_options) {
+  if (open_options.empty()) return false;
+  std::string_view extract = "WwRrXx";
+  return extract.find(open_options[0]) != std::string_view::npos;
+}
+
+}  // namespace
+
+const char *usage_text() {
+  return kUsage;
+}
+
+bool parse_options(int argc, char **argv, Options *o, std::string *error) {
+  bool have_input = false;
+  for (int i = 0; i < argc; ++i) {
+    std::string_view a = argv[i];
+    if (a == "--help" || a == "-h") {
+      o->help = true;
+    } else if (a == "--fixed") {
+      o->fixed = true;
+    } else if (a == "--table") {
+      o->table = true;
+    } else if (a == "--quiet") {
+      o->quiet = true;
+    } else if (a.starts_with("--")) {
+      std::string_view name = a.substr(0, a.find('='));
+      if (!takes_value(name)) {
+        *error = "unknown option " + std::string(name);
+        return false;
+      }
+      std::string value;
+      if (name.size() < a.size()) {
+        value = std::string(a.substr(name.size() + 1));
+      } else if (i + 1 < argc) {
+        value = argv[++i];
+      } else {
+        *error = "option " + std::string(name) + " needs a value";
+        return false;
+      }
+      if (!apply(name, value, o, error)) return false;
+    } else if (have_input) {
+      *error = "more than one INPUT: '" + std::string(a) + "'";
+      return false;
+    } else {
+      o->input = std::string(a);
+      have_input = true;
+    }
+  }
+  if (o->table && o->fixed) {
+    *error = "--table and --fixed cannot be combined";
+    return false;
+  }
+  if (o->threads > 1 && writes_extract(o->open_options)) {
+    *error = "an extract option cannot be combined with --threads above 1";
+    return false;
+  }
+  return true;
+}
+
+std::string default_db_dir() {
+  char exe[PATH_MAX];
+  ssize_t n = ::readlink("/proc/self/exe", exe, sizeof exe - 1);
+  if (n <= 0) return "data/sample";
+  std::string path(exe, static_cast<size_t>(n));
+  std::string folder = path.substr(0, path.rfind('/'));
+  return folder + "/../data/sample";
+}
+
+}  // namespace orlo::tools::hkgeocode

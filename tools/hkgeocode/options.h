@@ -1,0 +1,44 @@
+// The command line of hkgeocode.
+#ifndef ORLO_TOOLS_HKGEOCODE_OPTIONS_H
+#define ORLO_TOOLS_HKGEOCODE_OPTIONS_H
+
+#include <string>
+#include <vector>
+
+namespace orlo::tools::hkgeocode {
+
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitBadRows = 1;
+inline constexpr int kExitUsage = 2;
+
+inline constexpr int kMaxThreads = 64;
+inline constexpr int kMaxReportLines = 6;
+
+struct Options {
+  std::string input = "-";  // "-": standard input
+  std::string db_dir;       // empty: the sample database next to the tool
+  std::string open_options;
+  int threads = 1;
+  bool fixed = false;
+  bool table = false;       // a readable table instead of CSV
+  std::string out_path;     // empty: standard output
+  std::string report_path;  // empty: no accuracy statement
+  std::vector<std::string> report_lines;
+  bool quiet = false;
+  bool help = false;
+};
+
+// Parses the arguments after the program name. False with *error set on an
+// unknown option, a missing or bad value, or a contradiction.
+bool parse_options(int argc, char **argv, Options *options, std::string *error);
+
+// The --help text.
+const char *usage_text();
+
+// The sample database that the build places beside the tool's bin folder:
+// <folder of the executable>/../data/sample.
+std::string default_db_dir();
+
+}  // namespace orlo::tools::hkgeocode
+
+#endif  // ORLO_TOOLS_HKGEOCODE_OPTIONS_H

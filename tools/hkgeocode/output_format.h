@@ -1,0 +1,46 @@
+// The output rows of hkgeocode: the input columns followed by every field of
+// the 300-byte output record under a readable name, as CSV; or the raw
+// records.
+#ifndef ORLO_TOOLS_HKGEOCODE_OUTPUT_FORMAT_H
+#define ORLO_TOOLS_HKGEOCODE_OUTPUT_FORMAT_H
+
+#include <string>
+#include <string_view>
+
+#include "hkgeocode/input_rows.h"
+
+namespace orlo::tools::hkgeocode {
+
+// The return code that marks a bad input row in the output.
+inline constexpr char kBadRowCode = 'E';
+
+// The header line of the CSV output, with its line end.
+std::string csv_header();
+
+// Appends the CSV line of a processed row and its 300-byte output record.
+void append_result_row(const InputRow &row, const char *outrec,
+                       std::string *out);
+
+// Appends the CSV line of a bad row: its fields as read (bytes that are not
+// printable shown as '?'), return code E and the reason.
+void append_bad_row(const InputRow &row, std::string *out);
+
+// Appends the raw output record of a row: the matcher's, or for a bad row
+// 300 blanks with E in byte 0.
+void append_raw_record(const InputRow &row, const char *outrec,
+                       std::string *out);
+
+// What a return code and a match status mean, for people.
+// The readable table (--table): its header, and one line a row giving the
+// address as given, the return code, the match status, the composed result
+// lines and the reference.
+std::string table_header();
+void append_table_row(const InputRow &row, const char *outrec,
+                      std::string *out);
+
+std::string_view return_code_meaning(char code);
+std::string_view match_status_meaning(char status);
+
+}  // namespace orlo::tools::hkgeocode
+
+#endif  // ORLO_TOOLS_HKGEOCODE_OUTPUT_FORMAT_H
