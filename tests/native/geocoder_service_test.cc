@@ -108,10 +108,10 @@ TEST(GeocoderService, InvalidHandlesAreAnsweredWithA) {
 // Addresses of the sample database; their results on one thread are the
 // reference for every concurrent run.
 const std::vector<std::vector<const char *>> kAddresses = {
-    {"88", "NATHAN ROAD", "KLN"},   {"1", "QUEEN'S ROAD CENTRAL", "HK"},
-    {"500", "HENNESSY RD", "HK"},   {"12", "CASTLE PEAK ROAD", "NT"},
-    {"7", "NO SUCH STREET", "KLN"}, {"", "NATHAN ROAD", "KLN"},
-    {"33", "CANTON RD", "KLN"},     {"2", "DES VOEUX ROAD CENTRAL", "HK"},
+    {"8", "HENNESSY ROAD", "HK"},   {"2", "QUEEN'S ROAD CENTRAL", "HK"},
+    {"8", "HENNESY RD", "HK"},      {"7", "CASTLE PEAK ROAD", "KLN"},
+    {"7", "NO SUCH STREET", "KLN"}, {"22", "CANTON RD", "KLN"},
+    {"22", "CANTON ROAD", "KLN"},   {"7", "DES VOEUX ROAD CENTRAL", "HK"},
 };
 
 std::vector<std::string> run_addresses(int handle, int rounds,
@@ -134,6 +134,9 @@ TEST(GeocoderServiceThreads, ProcessingRacesWithOpensClosesAndPrivateCopies) {
   int ref = open_one(c);
   const std::vector<std::string> expected = run_addresses(ref, 20, "P");
   close_one(ref);
+  int matched = 0;
+  for (const std::string &out : expected) matched += out[0] == '1';
+  ASSERT_GE(matched, 20 * 5) << "the reference run must match most addresses";
 
   constexpr int kWorkers = 6;
   std::vector<int> handles;
