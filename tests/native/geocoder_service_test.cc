@@ -129,7 +129,13 @@ std::vector<std::string> run_addresses(int handle, int rounds,
   return outs;
 }
 
-TEST(GeocoderServiceThreads, ProcessingRacesWithOpensClosesAndPrivateCopies) {
+class GeocoderServiceThreads : public ::testing::TestWithParam<int> {};
+
+// Workers process on instances of their own (half of them through private
+// copies, half in memory mode) while another thread keeps opening, using
+// and closing instances of its own; every worker must see exactly the
+// results of a single-threaded run.
+TEST_P(GeocoderServiceThreads, ProcessingRacesWithOpensClosesAndPrivateCopies) {
   Call c;
   int ref = open_one(c);
   const std::vector<std::string> expected = run_addresses(ref, 20, "P");
@@ -138,7 +144,7 @@ TEST(GeocoderServiceThreads, ProcessingRacesWithOpensClosesAndPrivateCopies) {
   for (const std::string &out : expected) matched += out[0] == '1';
   ASSERT_GE(matched, 20 * 5) << "the reference run must match most addresses";
 
-  constexpr int kWorkers = 6;
+  const int kWorkers = GetParam();
   std::vector<int> handles;
   for (int i = 0; i < kWorkers; ++i)
     handles.push_back(open_one(c, i % 2 ? "LM" : "L"));
@@ -166,5 +172,8 @@ TEST(GeocoderServiceThreads, ProcessingRacesWithOpensClosesAndPrivateCopies) {
   EXPECT_EQ(mismatches.load(), 0);
   for (int h : handles) close_one(h);
 }
+
+INSTANTIATE_TEST_SUITE_P(Workers, GeocoderServiceThreads,
+                         ::testing::Values(2, 8, 16));
 
 }  // namespace
