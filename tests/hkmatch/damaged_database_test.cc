@@ -191,7 +191,11 @@ TEST_F(DamagedDatabase, EveryNumberByteFlipped) {
   for (const Spot &s : layout.numbers) {
     char b = image(s.file)[s.offset];
     with_bytes(s, std::string(1, static_cast<char>(b ^ 0xFF)));
+#if !defined(__SANITIZE_ADDRESS__)
+    // The sanitizer build keeps to one flip a byte: flipped counts make large
+    // allocations, which are slow there.
     with_bytes(s, std::string(1, static_cast<char>(b + 1)));
+#endif
     if (HasFatalFailure()) return;
   }
 }
