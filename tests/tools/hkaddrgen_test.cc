@@ -69,8 +69,7 @@ TEST_F(Hkaddrgen, AddressesAreGoodInputAndMostlyFound) {
                 " " + in),
             0)
       << err_;
-  EXPECT_NE(err_.find("2000 records read, 2000 processed"),
-            std::string::npos)
+  EXPECT_NE(err_.find("2000 records read, 2000 processed"), std::string::npos)
       << err_;
   // "'0' candidate accepted   N": most forms are meant to be found.
   size_t at = err_.find("candidate accepted");
