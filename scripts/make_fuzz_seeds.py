@@ -164,6 +164,23 @@ def csv_seeds():
     put("refdb_build_fuzzer", "open-quote", (HEADER + 'KLN,"NATHAN\n').encode())
 
 
+def geocode_input_seeds():
+    # First byte even: CSV input; odd: raw 200-byte records.
+    target = "geocode_input_fuzzer"
+    sample = os.path.join(ROOT, "data", "sample", "addresses.csv")
+    golden = os.path.join(ROOT, "tests", "tools", "golden", "hkgeocode_in.csv")
+    head = "".join(open(sample, encoding="latin-1").readlines()[:20])
+    put(target, "csv-sample", b"\0" + head.encode("latin-1"))
+    put(target, "csv-golden", b"\0" + open(golden, "rb").read())
+    columns = "refcode,premno,street,building,unit,extra,district,region,mode\n"
+    put(target, "csv-quotes", b"\0" + (columns + ',"12",QUEEN\'S ROAD,"A ""B"" HOUSE",'
+        '12/F FLAT A BLOCK 3 TOWER 2 XX,,CENTRAL,HK,3\n').encode())
+    put(target, "csv-bad-header", b"\0refcode,premno,street\n1,2,3\n")
+    rec = bytearray(b" " * 200)
+    rec[10:21] = b"NATHAN ROAD"
+    put(target, "fixed", b"\1" + bytes(rec) * 2 + b"\1\2" + bytes(rec[:50]))
+
+
 def main():
     build = sys.argv[1] if len(sys.argv) > 1 else os.path.join(ROOT, "build", "release")
     hkdb = os.path.join(build, "bin", "hkdb")
@@ -174,6 +191,7 @@ def main():
     sample_blocks(build)
     input_records()
     csv_seeds()
+    geocode_input_seeds()
 
 
 if __name__ == "__main__":

@@ -1,0 +1,84 @@
+// The batch geocoder's input reader on arbitrary bytes: the first byte
+// chooses CSV or raw 200-byte records, the rest is the input file. Every row
+// read is either a 200-byte record of printable ASCII or a bad row with a
+// reason; a good CSV row has its nine fields, each standing in the record as
+// it was given; rows come in input order.
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/fixed_field.h"
+#include "hkgeocode/input_rows.h"
+#include "hkmatch/record_fields.h"
+#include "orlo_records.h"
+
+namespace {
+
+using orlo::tools::hkgeocode::InputRow;
+using orlo::tools::hkgeocode::RowSource;
+
+void check_record(const std::string &rec) {
+  if (rec.size() != HKINREC_SIZE) __builtin_trap();
+  for (unsigned char c : rec) {
+    if (c < 0x20 || c >= 0x7F) __builtin_trap();
+  }
+}
+
+// Columns that fit in one record field: their text must lead the field.
+void check_placement(const InputRow &row) {
+  const orlo::FieldRef places[] = {
+      orlo::in::refcode,  orlo::in::premno, orlo::in::street,
+      orlo::in::bldg,     orlo::in::unit,   orlo::in::extra,
+      orlo::in::district, orlo::in::region, orlo::in::mode};
+  for (size_t i = 0; i < row.fields.size(); ++i) {
+    if (i == 4) continue;  // the unit line spills into a second field
+    std::string_view got = orlo::field_view(row.record.data(), places[i]);
+    if (got.substr(0, row.fields[i].size()) != row.fields[i]) __builtin_trap();
+  }
+}
+
+void check_row(const InputRow &row, bool fixed, long previous_line) {
+  if (!row.bad()) {
+    check_record(row.record);
+    if (!fixed) {
+      if (row.fields.size() != 9) __builtin_trap();
+      check_placement(row);
+    }
+  }
+  if (fixed ? row.line != previous_line + 1 : row.line <= previous_line)
+    __builtin_trap();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+  if (size == 0) return 0;
+  bool fixed = data[0] & 1;
+  std::string text(reinterpret_cast<const char *>(data) + 1, size - 1);
+  // fmemopen cannot open an empty buffer; an empty input is /dev/null.
+  std::FILE *in = text.empty() ? std::fopen("/dev/null", "r")
+                               : fmemopen(text.data(), text.size(), "r");
+  if (in == nullptr) return 0;
+  {
+    RowSource source(in, fixed);
+    std::string error;
+    if (!source.start(&error)) {
+      if (error.empty() || fixed) __builtin_trap();
+    } else {
+      std::vector<InputRow> rows;
+      long line = 0;
+      while (source.read_batch(7, &rows) > 0) {
+        for (const InputRow &row : rows) {
+          check_row(row, fixed, line);
+          line = row.line;
+        }
+        rows.clear();
+      }
+    }
+  }
+  std::fclose(in);
+  return 0;
+}
