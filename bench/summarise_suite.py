@@ -1,0 +1,123 @@
+#!/usr/bin/env python3
+"""Prints the summary of a performance suite run (bench/run_suite.sh).
+
+Usage: bench/summarise_suite.py OUT_DIR ADDRESSES
+Reads street.json and call.json (Google Benchmark), jni.txt and
+hkgeocode.txt from OUT_DIR; checks the suite's targets (2 threads at least
+1.8 times one, memory mode not slower than file mode) and says which hold.
+"""
+import json
+import os
+import re
+import sys
+
+MIXES = ["exact", "fuzzy", "realistic", "region blank"]
+
+
+def load(path):
+    with open(path) as f:
+        return {b["name"]: b for b in json.load(f)["benchmarks"]}
+
+
+def per_second(b):
+    return b.get("items_per_second", 0.0)
+
+
+def process_rate(call, memory, mix, threads):
+    name = f"BM_Process/memory:{memory}/mix:{mix}/real_time/threads:{threads}"
+    return per_second(call[name])
+
+
+def street_lines(street):
+    hit = per_second_of_pairs(street["BM_StreetMatcherPattern"])
+    miss = per_second_of_pairs(street["BM_StreetFreshPairs"])
+    return [f"m_street, input from the cache (hit): {hit / 1e6:.2f} M comparisons/s",
+            f"m_street, fresh pairs (miss):         {miss / 1e6:.2f} M comparisons/s"]
+
+
+def per_second_of_pairs(b):
+    # Items are comparisons; fall back on the time of one iteration.
+    if "items_per_second" in b:
+        return b["items_per_second"]
+    return 1e9 / b["cpu_time"] if b.get("time_unit") == "ns" else 0.0
+
+
+def process_lines(call, checks):
+    lines = ['hk_mtci "P", records per second (real time, all threads together):',
+             f"  {'mix':<13}{'mode':<8}{'1 thread':>10}{'2 threads':>11}{'ratio':>7}"]
+    for mix, label in enumerate(MIXES):
+        rates = {}
+        for memory, mode in ((0, "file"), (1, "memory")):
+            one = process_rate(call, memory, mix, 1)
+            two = process_rate(call, memory, mix, 2)
+            rates[memory] = one
+            ratio = two / one if one else 0.0
+            lines.append(f"  {label:<13}{mode:<8}{one:>10,.0f}{two:>11,.0f}{ratio:>7.2f}")
+            if mix != 3:
+                checks.append((f"2 threads >= 1.8 x 1 thread ({label}, {mode})",
+                               ratio >= 1.8))
+        if mix != 3:
+            checks.append((f"memory mode not slower than file mode, 5 % noise allowed ({label})",
+                           rates[1] >= 0.95 * rates[0]))
+    return lines
+
+
+def instance_lines(call):
+    lines = []
+    for memory, mode in ((0, "file"), (1, "memory")):
+        opened = call[f"BM_Open/memory:{memory}"]
+        warm = call[f"BM_InstanceMemory/memory:{memory}/iterations:1"]
+        unit = opened["time_unit"]
+        lines.append(f"open + close, {mode} mode: {opened['real_time']:.3f} {unit}; heap "
+                     f"{opened['heap_MB']:.2f} MB when open, {warm['heap_MB']:.2f} MB after "
+                     f"a batch of realistic records")
+    return lines
+
+
+def jni_lines(call, out_dir):
+    text = open(os.path.join(out_dir, "jni.txt")).read()
+    lines = []
+    for memory, mode in ((0, "file"), (1, "memory")):
+        m = re.search(rf"{mode} mode, region blank: (\d+) ns", text)
+        if not m:
+            continue
+        java_ns = float(m.group(1))
+        c = call[f"BM_Process/memory:{memory}/mix:3/real_time/threads:1"]
+        c_ns = c["cpu_time"] * {"ns": 1, "us": 1e3, "ms": 1e6}[c["time_unit"]]
+        lines.append(f"JNI, {mode} mode, region-blank call: Java {java_ns:,.0f} ns, "
+                     f"C {c_ns:,.0f} ns: overhead {java_ns - c_ns:,.0f} ns a call")
+    lines += ["  " + l for l in text.splitlines() if "exact" in l]
+    return lines
+
+
+def hkgeocode_lines(out_dir, addresses):
+    lines = [f"hkgeocode, {addresses} generated addresses:"]
+    for line in open(os.path.join(out_dir, "hkgeocode.txt")):
+        m = re.match(r"threads=(\d+) options='(.*)' elapsed=([\d.]+) peak_kb=(\d+)", line)
+        if not m:
+            continue
+        threads, options, elapsed, peak = m.groups()
+        mode = "memory" if "M" in options else "file"
+        rate = int(addresses) / max(float(elapsed), 1e-3)
+        lines.append(f"  {threads} worker(s), {mode:<6} mode: {float(elapsed):7.1f} s, "
+                     f"{rate:>9,.0f} records/s, peak RSS {int(peak) / 1024:.1f} MB")
+    return lines
+
+
+def main():
+    out_dir, addresses = sys.argv[1], sys.argv[2]
+    street = load(os.path.join(out_dir, "street.json"))
+    call = load(os.path.join(out_dir, "call.json"))
+    checks = []
+    sections = [street_lines(street), process_lines(call, checks), instance_lines(call),
+                jni_lines(call, out_dir), hkgeocode_lines(out_dir, addresses)]
+    for s in sections:
+        print("\n".join(s))
+        print()
+    print("Targets:")
+    for what, ok in checks:
+        print(f"  {'met    ' if ok else 'NOT MET'}  {what}")
+
+
+if __name__ == "__main__":
+    main()
