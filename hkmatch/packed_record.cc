@@ -19,7 +19,7 @@ namespace {
 constexpr size_t kPresence1 = 1;
 constexpr size_t kPresence2 = 2;
 constexpr size_t kFirstItem = 4;
-constexpr size_t kMinRecordLength = kFirstItem;
+static_assert(kMinRecordLength == kFirstItem);
 
 // Item header: the top three bits give the type, the low five the number of
 // data bytes that follow.

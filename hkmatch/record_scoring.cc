@@ -187,13 +187,34 @@ char score_street(Pass &p, STREETENT &e, int32_t i) {
   return code;
 }
 
-char score_fresh(Pass &p, int64_t total, uint32_t maxlen) {
+// The most records of the candidates that a fresh pass can write. A block
+// walk fails at the first record that does not fit, and records take at
+// least kMinRecordLength bytes, so an uncached street yields at most
+// blen / kMinRecordLength records before its walk succeeds or fails; a
+// corrupt count beyond that must not make the pass reserve (and zero) room
+// it can never fill. On sound data this is the sum of the counts.
+int64_t writable_records(const HKMCB *mcb, int32_t count) {
+  int64_t n = 0;
+  for (int32_t i = 0; i < count; ++i) {
+    const STREETENT &e = *mcb->cands[i];
+    int64_t fit = e.blen / kMinRecordLength + 1;
+    n += e.bunpk != nullptr ? e.bcnt : std::min<int64_t>(e.bcnt, fit);
+  }
+  return n;
+}
+
+char score_fresh(Pass &p, uint32_t maxlen) {
   HKMCB *mcb = p.mcb;
-  if (mcb->outmode == 0 && !reserve(&mcb->baserecs, &mcb->reccap, total)) {
+  if (mcb->outmode == 0 && !reserve(&mcb->baserecs, &mcb->reccap,
+                                    writable_records(mcb, p.in.count))) {
     return '3';
   }
   mcb->basecur = mcb->baserecs;
-  if (!reserve(&mcb->blockbuf, &mcb->blockcap, maxlen)) return '3';
+  // A block longer than BASEDATA fails its bounds check before anything is
+  // read, so the buffer never needs to be larger than the file: a corrupt
+  // length must not make the pass allocate gigabytes first.
+  int64_t buflen = std::clamp<int64_t>(mcb->basesize, 0, maxlen);
+  if (!reserve(&mcb->blockbuf, &mcb->blockcap, buflen)) return '3';
   for (int32_t i = 0; i < p.in.count; ++i) {
     char code = score_street(p, *mcb->cands[i], i);
     if (code != '0') return code;
@@ -272,7 +293,7 @@ PassResult score_candidates(HKMCB *mcb, const PassInput &in) {
     total += mcb->cands[i]->bcnt;
     maxlen = std::max(maxlen, mcb->cands[i]->blen);
   }
-  char code = in.reuse ? score_again(p, total) : score_fresh(p, total, maxlen);
+  char code = in.reuse ? score_again(p, total) : score_fresh(p, maxlen);
   if (code != '0') return {PassEnd::kFailed, nullptr, code};
   if (mcb->outmode == 1) return {PassEnd::kExtractDone};
   // The base record extract compares nothing, so there is nothing to
