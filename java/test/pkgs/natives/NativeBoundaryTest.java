@@ -16,7 +16,7 @@ import pkgs.natives.examples.GeocodeCsv;
 
 /**
  * Tests of the native methods in a real virtual machine: results equal to the native batch
- * geocoder's, the handle table, markers for bad arguments, console messages (captured from a child
+ * geocoder's, invalid handles, markers for bad arguments, console messages (captured from a child
  * virtual machine), the source record mapping and concurrent instances.
  *
  * <p>Arguments: the sample database directory, the sample addresses CSV and the hkgeocode
@@ -42,7 +42,6 @@ public final class NativeBoundaryTest {
     }
     check(records.size() >= 200, "sample addresses loaded");
     sameResultsAsNativeBatch(Path.of(args[2]));
-    handleTableThroughJni();
     invalidHandlesAreRejected();
     badArgumentsGiveMarkers();
     consoleMessagesAreExact();
@@ -138,27 +137,6 @@ public final class NativeBoundaryTest {
     }
     check(same == records.size(), "JNI results equal native results: " + same);
     check(matched > records.size() / 2, "most sample addresses match: " + matched);
-  }
-
-  // Through the native methods the handle table hands out the lowest free slot, and an open
-  // that fails on missing files still holds its slot until it is closed.
-  private static void handleTableThroughJni() {
-    byte[] out = new byte[300];
-    int first = open(out, "");
-    int second = open(out, "");
-    check(second == first + 1, "opens take consecutive slots");
-    close(first, "L", null);
-    int failedOpen =
-        OrloHKGeocoder.openGeocoder(
-            blankRecord(200), out, "", "", "", "", "", "", "", "", null, "/nonexistent/L1",
-            "/nonexistent/L2", "/nonexistent/BD", null, null);
-    check(failedOpen == first && out[0] == '6', "a failed open takes the freed slot, code 6");
-    check(open(out, "") == second + 1, "the failed open's slot stays taken");
-    close(failedOpen, "L", null);
-    check(open(out, "") == first, "closing the failed instance frees its slot");
-    close(first, "L", null);
-    close(second, "L", null);
-    close(second + 1, "L", null);
   }
 
   private static void invalidHandlesAreRejected() {
