@@ -85,16 +85,5 @@ TEST(RefdbDump, DumpIsInFileOrderNotCsvOrder) {
                                 "NT,B,,,,,,4,,,,\n");
 }
 
-TEST(RefdbDump, SampleDatabaseRebuildsByteForByte) {
-  std::string dir = orlo::testing::sample_db_dir();
-  WalkTotals totals;
-  std::string csv = dump(dir, &totals);
-  EXPECT_GT(totals.records, 5000u);
-  expect_rebuilds_identically(csv, dir, totals.date);
-  // Dumping the rebuilt copy gives the same text again.
-  TestDb again(csv, totals.date);
-  EXPECT_EQ(dump(again.dir()), csv);
-}
-
 }  // namespace
 }  // namespace orlo::tools
