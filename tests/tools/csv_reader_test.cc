@@ -12,10 +12,11 @@ namespace orlo::tools {
 namespace {
 
 using Rows = std::vector<std::vector<std::string>>;
+using Lines = std::vector<long>;
 
 struct Result {
   Rows rows;
-  std::vector<long> lines;
+  Lines lines;
   bool failed = false;
   long error_line = 0;
   std::string error;
@@ -33,6 +34,8 @@ Result read_all(CsvReader &csv) {
     r.failed = true;
     r.error_line = csv.line();
     r.error = csv.error();
+    // The error is sticky: the reader does not resume after it.
+    EXPECT_EQ(csv.next(&row), CsvReader::Status::kError);
   }
   return r;
 }
@@ -53,73 +56,68 @@ Result read_streamed(const std::string &text) {
   return r;
 }
 
-TEST(CsvReader, PlainRowsWithLfAndCrlfEndings) {
-  Result r = read_text("a,b,c\r\n1,,3\nx,y,z");
-  ASSERT_FALSE(r.failed) << r.error;
-  EXPECT_EQ(r.rows, (Rows{{"a", "b", "c"}, {"1", "", "3"}, {"x", "y", "z"}}));
-  EXPECT_EQ(r.lines, (std::vector<long>{1, 2, 3}));
+// Well-formed input: fields and the line on which each row starts.
+TEST(CsvReader, WellFormedInput) {
+  const struct {
+    const char *note;
+    std::string text;
+    Rows rows;
+    Lines lines;
+  } cases[] = {
+      {"empty input has no rows", "", {}, {}},
+      {"LF, CRLF and no final line end",
+       "a,b,c\r\n1,,3\nx,y,z",
+       {{"a", "b", "c"}, {"1", "", "3"}, {"x", "y", "z"}},
+       {1, 2, 3}},
+      {"blank lines are rows of one empty field, a trailing comma an empty "
+       "last field",
+       "a\n\nb,\n",
+       {{"a"}, {""}, {"b", ""}},
+       {1, 2, 3}},
+      {"quotes keep commas, doubled quotes and line breaks, which move the "
+       "following rows down",
+       "\"QUEEN'S ROAD, CENTRAL\",\"say \"\"hi\"\"\",\"\"\n"
+       "\"two\nlines\",\"cr\r\nlf\",end\nnext,row\n",
+       {{"QUEEN'S ROAD, CENTRAL", "say \"hi\"", ""},
+        {"two\nlines", "cr\r\nlf", "end"},
+        {"next", "row"}},
+       {1, 2, 5}},
+      {"blanks, NUL, high bytes and a lone CR are delivered unchanged",
+       std::string("  pad ,x\0y,\xE9\xFF,lone\rcr\n", 21),
+       {{"  pad ", std::string("x\0y", 3), "\xE9\xFF", "lone\rcr"}},
+       {1}},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.note);
+    for (const Result &r : {read_text(c.text), read_streamed(c.text)}) {
+      EXPECT_FALSE(r.failed) << r.error;
+      EXPECT_EQ(r.rows, c.rows);
+      EXPECT_EQ(r.lines, c.lines);
+    }
+  }
 }
 
-TEST(CsvReader, QuotedFieldsKeepCommasQuotesAndLineBreaks) {
-  Result r = read_text(
-      "\"QUEEN'S ROAD, CENTRAL\",\"say \"\"hi\"\"\",\"\"\n"
-      "\"two\nlines\",\"cr\r\nlf\",end\n"
-      "next,row\n");
-  ASSERT_FALSE(r.failed) << r.error;
-  ASSERT_EQ(r.rows.size(), 3u);
-  EXPECT_EQ(r.rows[0], (std::vector<std::string>{"QUEEN'S ROAD, CENTRAL",
-                                                 "say \"hi\"", ""}));
-  EXPECT_EQ(r.rows[1],
-            (std::vector<std::string>{"two\nlines", "cr\r\nlf", "end"}));
-  // A row's line is the line on which it starts; line breaks inside quotes
-  // move the following rows down.
-  EXPECT_EQ(r.lines, (std::vector<long>{1, 2, 5}));
-}
-
-TEST(CsvReader, BytesAreDeliveredUnchanged) {
-  std::string text = std::string("  pad ,x\0y,\xE9\xFF,lone\rcr\n", 21);
-  Result r = read_text(text);
-  ASSERT_FALSE(r.failed) << r.error;
-  ASSERT_EQ(r.rows.size(), 1u);
-  EXPECT_EQ(r.rows[0][0], "  pad ");
-  EXPECT_EQ(r.rows[0][1], std::string("x\0y", 3));
-  EXPECT_EQ(r.rows[0][2], "\xE9\xFF");
-  EXPECT_EQ(r.rows[0][3], "lone\rcr");
-}
-
-TEST(CsvReader, EmptyInputHasNoRowsAndBlankLinesAreRows) {
-  EXPECT_TRUE(read_text("").rows.empty());
-  EXPECT_FALSE(read_text("").failed);
-  Result r = read_text("a\n\nb\n");
-  EXPECT_EQ(r.rows, (Rows{{"a"}, {""}, {"b"}}));
-  EXPECT_EQ(r.lines, (std::vector<long>{1, 2, 3}));
-  // A trailing comma gives a last empty field.
-  EXPECT_EQ(read_text("a,\n").rows, (Rows{{"a", ""}}));
-}
-
+// Malformed input stops the reader on the first line of the faulty row,
+// after the rows before it were delivered.
 TEST(CsvReader, MalformedInputIsReportedOnTheRowsFirstLine) {
-  Result open = read_text("ok,row\n\"open,\nnever\nclosed");
-  EXPECT_TRUE(open.failed);
-  EXPECT_EQ(open.error_line, 2);
-  EXPECT_NE(open.error.find("not closed"), std::string::npos) << open.error;
-  EXPECT_EQ(open.rows.size(), 1u);
-
-  Result after = read_text("a,\"b\"c,d\n");
-  EXPECT_TRUE(after.failed);
-  EXPECT_EQ(after.error_line, 1);
-  EXPECT_NE(after.error.find("after a closing quote"), std::string::npos);
-
-  Result inside = read_text("x\nab\"c\n");
-  EXPECT_TRUE(inside.failed);
-  EXPECT_EQ(inside.error_line, 2);
-  EXPECT_NE(inside.error.find("quote inside"), std::string::npos);
-}
-
-TEST(CsvReader, ErrorIsSticky) {
-  CsvReader csv(std::string_view("a\"b\nc,d\n"));
-  std::vector<std::string> row;
-  EXPECT_EQ(csv.next(&row), CsvReader::Status::kError);
-  EXPECT_EQ(csv.next(&row), CsvReader::Status::kError);
+  const struct {
+    const char *text;
+    long line;
+    const char *message;
+    size_t rows_before;
+  } cases[] = {
+      {"ok,row\n\"open,\nnever\nclosed", 2, "not closed", 1},
+      {"a,\"b\"c,d\n", 1, "after a closing quote", 0},
+      {"x\nab\"c\n", 2, "quote inside", 1},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.text);
+    Result r = read_text(c.text);
+    EXPECT_TRUE(r.failed);
+    EXPECT_EQ(r.error_line, c.line);
+    EXPECT_NE(r.error.find(c.message), std::string::npos) << r.error;
+    EXPECT_EQ(r.rows.size(), c.rows_before);
+  }
 }
 
 TEST(CsvReader, LongRowsAreReadWholeUpToTheLimit) {
@@ -140,9 +138,9 @@ TEST(CsvReader, LongRowsAreReadWholeUpToTheLimit) {
       << capped.error;
 }
 
+// Quotes, CRLF and doubled quotes land on every offset of the 64 KiB chunks
+// somewhere among these rows.
 TEST(CsvReader, StreamedReadingMatchesReadingFromMemory) {
-  // Quotes, CRLF and doubled quotes land on every offset of the 64 KiB
-  // chunks somewhere among these rows.
   std::string text;
   for (int i = 0; i < 20000; ++i)
     text += "r" + std::to_string(i) + ",\"q\"\"" + std::to_string(i % 7) +

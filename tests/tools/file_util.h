@@ -1,15 +1,22 @@
-// Small file helpers shared by the tool tests.
+// Small file and process helpers shared by the tool tests.
 #ifndef ORLO_TESTS_TOOLS_FILE_UTIL_H
 #define ORLO_TESTS_TOOLS_FILE_UTIL_H
 
 #include <sys/stat.h>
+#include <sys/wait.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 #include <string>
 
 namespace orlo::testing {
+
+// The header line of a reference CSV.
+inline const std::string kRefHeader =
+    "region,street,refcode,refid,building,parity,qual1,low,qual2,high,code9,"
+    "address\n";
 
 inline std::string read_file(const std::string &path) {
   std::ifstream in(path, std::ios::binary);
@@ -36,6 +43,32 @@ inline std::string hex_bytes(const std::string &hex) {
     out.push_back(
         static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16)));
   return out;
+}
+
+// What a program run through the shell left behind.
+struct ToolRun {
+  int status = -1;  // exit status, -1 when killed by a signal
+  std::string out;
+  std::string err;
+};
+
+// Runs `command` (a shell command line, no redirections of its own) with
+// standard input closed, capturing its outputs through files in `scratch`.
+inline ToolRun run_tool(const std::string &command,
+                        const std::string &scratch) {
+  std::string cmd =
+      command + " >" + scratch + "/stdout 2>" + scratch + "/stderr </dev/null";
+  int raw = std::system(cmd.c_str());
+  ToolRun r;
+  r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+  r.out = read_file(scratch + "/stdout");
+  r.err = read_file(scratch + "/stderr");
+  return r;
+}
+
+// True when `text` contains `part`; for EXPECT_TRUE(has(...)) << text.
+inline bool has(const std::string &text, const std::string &part) {
+  return text.find(part) != std::string::npos;
 }
 
 }  // namespace orlo::testing

@@ -18,13 +18,10 @@ namespace {
 
 using orlo::testing::file_exists;
 using orlo::testing::hex_bytes;
+using orlo::testing::kRefHeader;
 using orlo::testing::make_temp_dir;
 using orlo::testing::read_file;
 using orlo::testing::TestDb;
-
-const std::string kHeader =
-    "region,street,refcode,refid,building,parity,qual1,low,qual2,high,code9,"
-    "address\n";
 
 std::string pad_zeros(std::string bytes, size_t unit) {
   bytes.resize((bytes.size() + unit - 1) / unit * unit, '\0');
@@ -147,18 +144,6 @@ TEST(RefdbBuilderOrder, StreetsSortByNamePaddedTo31Bytes) {
             (std::vector<std::string>{"", "A\x01", "A", "A ", "A B", "AB"}));
 }
 
-TEST(RefdbBuilderOrder, RecordsOfAStreetKeepCsvOrderAcrossInterleaving) {
-  TestDb db(
-      "HK,X,,,,,,3,,,,\n"
-      "HK,Y,,,,,,9,,,,\n"
-      "HK,X,,,,,,1,,,,\n"
-      "HK,X,,,,,,2,,,,\n");
-  std::string base = read_file(db.basedata());
-  std::string rec = hex_bytes("06 20 00 00 C1");
-  EXPECT_EQ(base.substr(8, 18), rec + hex_bytes("03") + rec + hex_bytes("01") +
-                                    rec + hex_bytes("02"));
-}
-
 TEST(RefdbBuilderWidths, FieldsAtTheirFullWidthBuild) {
   std::string n30(30, 'N');
   TestDb db(csv_row({n30, n30, "ABC", "12345", n30, "E", std::string(12, 'Q'),
@@ -174,7 +159,7 @@ TEST(RefdbBuilderWidths, FieldsAtTheirFullWidthBuild) {
 BuildError build_failure(const std::string &rows, bool add_header = true) {
   std::string dir = make_temp_dir();
   BuildError err;
-  EXPECT_FALSE(build_reference_db((add_header ? kHeader : "") + rows, dir,
+  EXPECT_FALSE(build_reference_db((add_header ? kRefHeader : "") + rows, dir,
                                   "20260101", &err));
   EXPECT_TRUE(std::filesystem::is_empty(dir)) << "files left in " << dir;
   std::filesystem::remove_all(dir);
@@ -199,51 +184,37 @@ TEST(RefdbBuilderErrors, FieldTooWideNamesLineAndField) {
   }
 }
 
-TEST(RefdbBuilderErrors, ForbiddenBytesAndEmptyRegion) {
-  BuildError nul = build_failure(std::string("HK,S,,,B\0D,,,,,,,\n", 19));
-  EXPECT_EQ(nul.line, 2);
-  EXPECT_EQ(nul.field, "building");
-  EXPECT_NE(nul.message.find("NUL"), std::string::npos);
-
-  BuildError lf = build_failure("HK,S,,,,,,,,,,1\n\"HK\",\"A\nB\",,,,,,,,,,\n");
-  EXPECT_EQ(lf.line, 3);
-  EXPECT_EQ(lf.field, "street");
-  EXPECT_NE(lf.message.find("line feed"), std::string::npos);
-
-  BuildError cr = build_failure("HK,S,,,,,,,,,,\"a\rb\"\n");
-  EXPECT_EQ(cr.field, "address");
-  EXPECT_NE(cr.message.find("carriage return"), std::string::npos);
-
-  BuildError empty = build_failure("HK,S,,,,,,,,,,\n,S,,,,,,,,,,\n");
-  EXPECT_EQ(empty.line, 3);
-  EXPECT_EQ(empty.field, "region");
-  EXPECT_EQ(build_failure("   ,S,,,,,,,,,,\n").field, "region");
-}
-
-TEST(RefdbBuilderErrors, MalformedCsvAndHeader) {
-  BuildError count = build_failure("HK,S,,,,,,,,,\n");
-  EXPECT_EQ(count.line, 2);
-  EXPECT_EQ(count.field, "");
-  EXPECT_NE(count.message.find("found 11"), std::string::npos);
-
-  BuildError open = build_failure("HK,S,,,,,,,,,,\nHK,\"S,,,,,,,,,,\n");
-  EXPECT_EQ(open.line, 3);
-  EXPECT_NE(open.message.find("not closed"), std::string::npos);
-
-  BuildError header = build_failure(
-      "region,street,refcode,refid,building,parity,qual1,low,qual2,high,"
-      "code9\nHK,S,,,,,,,,,\n",
-      false);
-  EXPECT_EQ(header.line, 1);
-  EXPECT_NE(header.message.find("header"), std::string::npos);
-  EXPECT_EQ(build_failure("Region" + kHeader.substr(6), false).line, 1);
-
-  BuildError empty = build_failure("", false);
-  EXPECT_EQ(empty.line, 1);
-  EXPECT_NE(empty.message.find("empty"), std::string::npos);
-  BuildError only_header = build_failure("");
-  EXPECT_EQ(only_header.line, 2);
-  EXPECT_NE(only_header.message.find("no data rows"), std::string::npos);
+// Faulty input rows and headers, each with the line and field named.
+TEST(RefdbBuilderErrors, BadRowsAndHeadersNameLineAndField) {
+  const struct {
+    std::string csv;  // after the header unless `own_header`
+    bool own_header;
+    long line;
+    const char *field;
+    const char *message;
+  } cases[] = {
+      {std::string("HK,S,,,B\0D,,,,,,,\n", 19), false, 2, "building", "NUL"},
+      {"HK,S,,,,,,,,,,1\n\"HK\",\"A\nB\",,,,,,,,,,\n", false, 3, "street",
+       "line feed"},
+      {"HK,S,,,,,,,,,,\"a\rb\"\n", false, 2, "address", "carriage return"},
+      {"HK,S,,,,,,,,,,\n,S,,,,,,,,,,\n", false, 3, "region", "empty"},
+      {"   ,S,,,,,,,,,,\n", false, 2, "region", "empty"},
+      {"HK,S,,,,,,,,,\n", false, 2, "", "found 11"},
+      {"HK,S,,,,,,,,,,\nHK,\"S,,,,,,,,,,\n", false, 3, "", "not closed"},
+      {"region,street,refcode,refid,building,parity,qual1,low,qual2,high,"
+       "code9\nHK,S,,,,,,,,,\n",
+       true, 1, "", "header"},
+      {"Region" + kRefHeader.substr(6), true, 1, "", "header"},
+      {"", true, 1, "", "empty"},
+      {"", false, 2, "", "no data rows"},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.csv);
+    BuildError err = build_failure(c.csv, !c.own_header);
+    EXPECT_EQ(err.line, c.line);
+    EXPECT_EQ(err.field, c.field);
+    EXPECT_NE(err.message.find(c.message), std::string::npos) << err.message;
+  }
 }
 
 TEST(RefdbBuilderErrors, CountsBeyond16BitsAreRejectedOnTheRowThatExceeds) {
@@ -267,45 +238,45 @@ TEST(RefdbBuilderErrors, CountsBeyond16BitsAreRejectedOnTheRowThatExceeds) {
   EXPECT_EQ(read_file(full.level2()).substr(8, 2), hex_bytes("FFFF"));
 }
 
-// The 32-bit offset checks, reached with lowered limits.
+// The 32-bit offset checks, reached with lowered limits: the row that would
+// push a file past the limit is named and nothing is written.
 TEST(RefdbBuilderErrors, FilesThatOutgrowTheirOffsetsAreRejected) {
-  BuildOptions options;
-  options.date8 = "20260101";
-  options.limits.max_file_offset = 8 + 6 + 6;  // date and two records
-  std::string csv = kHeader + "HK,A,,,,,,1,,,,\nHK,A,,,,,,2,,,,\n";
-  std::string dir = make_temp_dir();
-  BuildStats stats;
+  auto build = [](const std::string &rows, uint64_t max_offset,
+                  BuildError *err) {
+    BuildOptions options;
+    options.date8 = "20260101";
+    options.limits.max_file_offset = max_offset;
+    std::string dir = make_temp_dir(), csv = kRefHeader + rows;
+    CsvReader reader(csv);
+    BuildStats stats;
+    bool ok = build_reference_db_from(&reader, dir, options, &stats, err);
+    if (!ok) {
+      EXPECT_TRUE(std::filesystem::is_empty(dir));
+    }
+    std::filesystem::remove_all(dir);
+    return ok;
+  };
+  const std::string two = "HK,A,,,,,,1,,,,\nHK,A,,,,,,2,,,,\n";
   BuildError err;
-  CsvReader fits(csv);
-  EXPECT_TRUE(build_reference_db_from(&fits, dir, options, &stats, &err))
-      << err.message;
-  std::filesystem::remove_all(dir);
-
-  dir = make_temp_dir();
-  std::string longer = csv + "HK,A,,,,,,3,,,,\n";
-  CsvReader over(longer);
-  EXPECT_FALSE(build_reference_db_from(&over, dir, options, &stats, &err));
+  // The date and two 6-byte records fit exactly; a third does not.
+  EXPECT_TRUE(build(two, 8 + 6 + 6, &err)) << err.message;
+  EXPECT_FALSE(build(two + "HK,A,,,,,,3,,,,\n", 8 + 6 + 6, &err));
   EXPECT_EQ(err.line, 4);
-  EXPECT_NE(err.message.find("BASEDATA"), std::string::npos);
-  EXPECT_TRUE(std::filesystem::is_empty(dir));
-  std::filesystem::remove_all(dir);
+  EXPECT_NE(err.message.find("BASEDATA"), std::string::npos) << err.message;
 
-  dir = make_temp_dir();
-  std::string names = kHeader + "HK,A,,,,,,,,,,\nHK," + std::string(30, 'B') +
-                      ",,,,,,,,,,\nNT," + std::string(30, 'C') + ",,,,,,,,,,\n";
-  CsvReader l2(names);
-  options.limits.max_file_offset = 12 + 41 + 40;  // short of the third name
-  EXPECT_FALSE(build_reference_db_from(&l2, dir, options, &stats, &err));
+  // LEVEL2 entries of 12, 41 and 41 bytes: one byte short of the third.
+  EXPECT_FALSE(build("HK,A,,,,,,,,,,\nHK," + std::string(30, 'B') +
+                         ",,,,,,,,,,\nNT," + std::string(30, 'C') +
+                         ",,,,,,,,,,\n",
+                     12 + 41 + 40, &err));
   EXPECT_EQ(err.line, 4);
-  EXPECT_NE(err.message.find("LEVEL2"), std::string::npos);
-  EXPECT_TRUE(std::filesystem::is_empty(dir));
-  std::filesystem::remove_all(dir);
+  EXPECT_NE(err.message.find("LEVEL2"), std::string::npos) << err.message;
 }
 
 TEST(RefdbBuilderErrors, BadDateOrMissingDirectoryWriteNothing) {
   std::string dir = make_temp_dir();
   BuildError err;
-  std::string csv = kHeader + "HK,A,,,,,,,,,,\n";
+  std::string csv = kRefHeader + "HK,A,,,,,,,,,,\n";
   EXPECT_FALSE(build_reference_db(csv, dir, "2026011", &err));
   EXPECT_NE(err.message.find("8 characters"), std::string::npos);
   EXPECT_TRUE(std::filesystem::is_empty(dir));
@@ -326,7 +297,7 @@ TEST(RefdbBuilderDate, DefaultDateIsTodaysUtcDate) {
 }
 
 TEST(RefdbBuilderFiles, FileBuildMatchesTextBuildAndReplacesOldFiles) {
-  std::string csv = kHeader + "KLN,NATHAN ROAD,TST,00001,,E,,2,,88,,\n";
+  std::string csv = kRefHeader + "KLN,NATHAN ROAD,TST,00001,,E,,2,,88,,\n";
   std::string dir = make_temp_dir();
   std::string path = dir + "/ref.csv";
   orlo::testing::write_file(path, csv);

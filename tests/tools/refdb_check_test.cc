@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -116,145 +115,127 @@ TEST(RefdbCheck, FlippedBytesAreReportedWithoutOverreading) {
   TestDb db(kCorpusCsv);
   const RefdbImages good = images_of(db.dir());
   const std::string &l2 = good.level2;
-  std::vector<bool> l2_numbers(l2.size()), base_lengths(good.basedata.size());
+  // The bytes whose damage must be found: LEVEL1 offsets and counts, LEVEL2
+  // offsets, lengths and counts, and every record's length byte.
+  std::vector<bool> must[3] = {std::vector<bool>(good.level1.size()),
+                               std::vector<bool>(l2.size()),
+                               std::vector<bool>(good.basedata.size())};
+  for (size_t i = 0; i < good.level1.size(); ++i) must[0][i] = i % 40 >= 30;
   for (size_t pos = 0; pos < 3 * 40 && l2[pos + 10] != 0;) {
-    for (size_t i = 0; i < 10; ++i) l2_numbers[pos + i] = true;
-    size_t off = refdb::get_be32(
-        reinterpret_cast<const unsigned char *>(l2.data()) + pos);
-    size_t len = refdb::get_be32(
-        reinterpret_cast<const unsigned char *>(l2.data()) + pos + 4);
+    for (size_t i = 0; i < 10; ++i) must[1][pos + i] = true;
+    auto *p = reinterpret_cast<const unsigned char *>(l2.data()) + pos;
+    size_t off = refdb::get_be32(p), len = refdb::get_be32(p + 4);
     for (size_t r = off; r < off + len; r += good.basedata[r])
-      base_lengths[r] = true;
+      must[2][r] = true;
     pos = l2.find('\0', pos + 10) + 1;
   }
-  auto flip = [&](std::string RefdbImages::*file, size_t at, unsigned char v) {
-    RefdbImages images = good;
-    (images.*file)[at] = static_cast<char>(v);
-    return check_reference_images(images).fault_count;
-  };
-  const std::vector<std::function<unsigned char(unsigned char)>> changes = {
-      [](unsigned char b) { return b ^ 0x01; },
-      [](unsigned char b) { return b ^ 0x80; },
-      [](unsigned char) { return 0x00; }, [](unsigned char) { return 0xFF; }};
-  size_t level1_used = 2 * 40, level2_used = l2.find(std::string(12, '\0'));
-  size_t base_used = good.basedata.find_last_not_of('\0') + 1;
-  for (const auto &change : changes) {
-    for (size_t i = 0; i < level1_used; ++i) {
-      unsigned char b = good.level1[i], v = change(b);
-      if (v == b) continue;
-      uint64_t faults = flip(&RefdbImages::level1, i, v);
-      if (i % 40 >= 30) {
-        EXPECT_GT(faults, 0u) << "LEVEL1 byte " << i;
-      }
-    }
-    for (size_t i = 0; i < level2_used; ++i) {
-      unsigned char b = l2[i], v = change(b);
-      if (v == b) continue;
-      uint64_t faults = flip(&RefdbImages::level2, i, v);
-      if (l2_numbers[i]) {
-        EXPECT_GT(faults, 0u) << "LEVEL2 byte " << i;
-      }
-    }
-    for (size_t i = 8; i < base_used; ++i) {
-      unsigned char b = good.basedata[i], v = change(b);
-      if (v == b) continue;
-      uint64_t faults = flip(&RefdbImages::basedata, i, v);
-      if (base_lengths[i]) {
-        EXPECT_GT(faults, 0u) << "BASEDATA byte " << i;
+  const struct {
+    std::string RefdbImages::*file;
+    size_t from, to;
+  } files[3] = {
+      {&RefdbImages::level1, 0, 2 * 40},
+      {&RefdbImages::level2, 0, l2.find(std::string(12, '\0'))},
+      {&RefdbImages::basedata, 8, good.basedata.find_last_not_of('\0') + 1}};
+  for (unsigned char (*change)(unsigned char) :
+       {+[](unsigned char b) -> unsigned char { return b ^ 0x01; },
+        +[](unsigned char b) -> unsigned char { return b ^ 0x80; },
+        +[](unsigned char) -> unsigned char { return 0x00; },
+        +[](unsigned char) -> unsigned char { return 0xFF; }}) {
+    for (int f = 0; f < 3; ++f) {
+      for (size_t i = files[f].from; i < files[f].to; ++i) {
+        RefdbImages images = good;
+        std::string &file = images.*files[f].file;
+        unsigned char b = file[i], v = change(b);
+        if (v == b) continue;
+        file[i] = static_cast<char>(v);
+        uint64_t faults = check_reference_images(images).fault_count;
+        if (must[f][i]) {
+          EXPECT_GT(faults, 0u) << "file " << f << " byte " << i;
+        }
       }
     }
   }
 }
 
-// A one-street database whose single record is patched by hand.
-struct OneRecord {
-  TestDb db{"HK,S,,,ABCD,,,,,,,\n"};  // 09 04 00 00 E4 "ABCD"
-  RefdbImages images = images_of(db.dir());
-  CheckReport patch(size_t at, const std::string &bytes) {
-    RefdbImages copy = images;
-    copy.basedata.replace(8 + at, bytes.size(), bytes);
-    return check_reference_images(copy);
-  }
+// One patch of one file and the fault it must raise.
+struct Patch {
+  std::string RefdbImages::*file;
+  size_t at;
+  std::string bytes;
+  const char *fault_file;
+  uint64_t fault_offset;
+  const char *text;
 };
 
-TEST(RefdbCheck, RecordFaultsNameTheirOffsetAndCause) {
-  OneRecord one;
-  ASSERT_EQ(one.images.basedata.substr(8, 9),
-            hex_bytes("09 04 00 00 E4") + "ABCD");
-  EXPECT_TRUE(has_fault(one.patch(0, hex_bytes("03")), "BASEDATA", 8,
-                        "record length 3 outside 4..127"));
-  EXPECT_TRUE(has_fault(one.patch(0, hex_bytes("80")), "BASEDATA", 8,
-                        "record length 128"));
-  EXPECT_TRUE(has_fault(one.patch(0, hex_bytes("0A")), "BASEDATA", 8,
-                        "runs past the end of its block"));
-  EXPECT_TRUE(has_fault(one.patch(4, hex_bytes("20")), "BASEDATA", 12,
-                        "unknown item type 0x20"));
-  EXPECT_TRUE(has_fault(one.patch(4, hex_bytes("E5")), "BASEDATA", 12,
-                        "runs past the end of the record"));
-  EXPECT_TRUE(has_fault(one.patch(4, hex_bytes("E3")), "BASEDATA", 16,
-                        "1 bytes after the last item"));
-  EXPECT_TRUE(has_fault(one.patch(4, hex_bytes("C4")), "BASEDATA", 12,
-                        "numeric item of 4 data bytes, expected 1"));
-  // "ABCD" read as the 3-byte refcode is too wide for it.
-  EXPECT_TRUE(has_fault(one.patch(1, hex_bytes("01")), "BASEDATA", 12,
-                        "refcode decodes to 4 bytes, more than 3"));
-  EXPECT_TRUE(
-      has_fault(one.patch(5, hex_bytes("00")), "BASEDATA", 12, "NUL byte"));
-  EXPECT_TRUE(has_fault(one.patch(2, hex_bytes("04")), "BASEDATA", 10,
-                        "unused presence bits"));
-  EXPECT_TRUE(has_fault(one.patch(1, hex_bytes("0C")), "BASEDATA", 17,
-                        "item of parity starts past the end"));
+void expect_faults(const RefdbImages &good, const std::vector<Patch> &patches) {
+  for (const Patch &p : patches) {
+    SCOPED_TRACE(p.text);
+    RefdbImages images = good;
+    (images.*p.file).replace(p.at, p.bytes.size(), p.bytes);
+    CheckReport r = check_reference_images(images);
+    EXPECT_TRUE(has_fault(r, p.fault_file, p.fault_offset, p.text))
+        << all_faults(r);
+  }
 }
 
+// Patches to the one record "09 04 00 00 E4 ABCD" (length, presence bits,
+// one text item) at BASEDATA offset 8.
+TEST(RefdbCheck, RecordFaultsNameTheirOffsetAndCause) {
+  TestDb db("HK,S,,,ABCD,,,,,,,\n");
+  const RefdbImages good = images_of(db.dir());
+  ASSERT_EQ(good.basedata.substr(8, 9), hex_bytes("09 04 00 00 E4") + "ABCD");
+  auto rec = [](size_t at, const char *hex, uint64_t offset, const char *text) {
+    return Patch{&RefdbImages::basedata,
+                 8 + at,
+                 hex_bytes(hex),
+                 "BASEDATA",
+                 offset,
+                 text};
+  };
+  expect_faults(
+      good,
+      {rec(0, "03", 8, "record length 3 outside 4..127"),
+       rec(0, "80", 8, "record length 128"),
+       rec(0, "0A", 8, "runs past the end of its block"),
+       rec(4, "20", 12, "unknown item type 0x20"),
+       rec(4, "E5", 12, "runs past the end of the record"),
+       rec(4, "E3", 16, "1 bytes after the last item"),
+       rec(4, "C4", 12, "numeric item of 4 data bytes, expected 1"),
+       // "ABCD" read as the 3-byte refcode is too wide for it.
+       rec(1, "01", 12, "refcode decodes to 4 bytes, more than 3"),
+       rec(5, "00", 12, "NUL byte"), rec(2, "04", 10, "unused presence bits"),
+       rec(1, "0C", 17, "item of parity starts past the end")});
+}
+
+// LEVEL1 holds HK then KLN; KLN's LEVEL2 segment is CANTON ROAD then
+// NATHAN ROAD.
 TEST(RefdbCheck, IndexFaultsNameTheirOffsetAndCause) {
   TestDb db(kCorpusCsv);
   const RefdbImages good = images_of(db.dir());
-  auto with = [&](std::string RefdbImages::*file, size_t at,
-                  const std::string &bytes) {
-    RefdbImages images = good;
-    (images.*file).replace(at, bytes.size(), bytes);
-    return check_reference_images(images);
-  };
-  // LEVEL1: HK then KLN. Make the second key equal the first.
-  CheckReport dup = with(&RefdbImages::level1, 40, "HK ");
-  EXPECT_TRUE(has_fault(dup, "LEVEL1", 40, "not above the key before it"))
-      << all_faults(dup);
-  CheckReport count = with(&RefdbImages::level1, 38, hex_bytes("0002"));
-  EXPECT_TRUE(has_fault(count, "LEVEL1", 38,
-                        "counts 2 streets, its segment "
-                        "holds 1"))
-      << all_faults(count);
-  CheckReport outside = with(&RefdbImages::level1, 30, hex_bytes("00010000"));
-  EXPECT_TRUE(has_fault(outside, "LEVEL1", 30, "runs past the end of LEVEL2"));
+  const auto l1 = &RefdbImages::level1, l2 = &RefdbImages::level2;
+  size_t canton = good.level2.find("CANTON ROAD") - 10;
+  size_t nathan = good.level2.find("NATHAN ROAD") - 10;
+  expect_faults(
+      good,
+      {{l1, 40, "HK ", "LEVEL1", 40, "not above the key before it"},
+       {l1, 38, hex_bytes("0002"), "LEVEL1", 38,
+        "counts 2 streets, its segment holds 1"},
+       {l1, 30, hex_bytes("00010000"), "LEVEL1", 30,
+        "runs past the end of LEVEL2"},
+       {l2, nathan + 10, "A", "LEVEL2", nathan, "is not above the street"},
+       {l2, nathan + 21, "X", "LEVEL2", nathan + 10,
+        "not terminated inside its segment"},
+       {l2, canton + 21, std::string(20, 'X'), "LEVEL2", canton + 10,
+        "longer than 30 bytes"},
+       {l2, canton + 8, hex_bytes("0007"), "LEVEL2", canton + 8,
+        "counts 7 records, its block holds 1"},
+       {l2, canton, hex_bytes("00000004"), "LEVEL2", canton,
+        "lies outside BASEDATA"}});
+
   RefdbImages partial = good;
   partial.level1.resize(85);
   EXPECT_TRUE(has_fault(check_reference_images(partial), "LEVEL1", 80,
                         "partial record of 5 bytes"));
-
-  // LEVEL2: KLN's segment is CANTON ROAD then NATHAN ROAD.
-  size_t canton = good.level2.find("CANTON ROAD") - 10;
-  size_t nathan = good.level2.find("NATHAN ROAD") - 10;
-  CheckReport order = with(&RefdbImages::level2, nathan + 10, "A");
-  EXPECT_TRUE(has_fault(order, "LEVEL2", nathan, "is not above the street"))
-      << all_faults(order);
-  CheckReport unterminated =
-      with(&RefdbImages::level2, nathan + 21, std::string(1, 'X'));
-  EXPECT_TRUE(has_fault(unterminated, "LEVEL2", nathan + 10,
-                        "not terminated inside its segment"))
-      << all_faults(unterminated);
-  CheckReport too_long =
-      with(&RefdbImages::level2, canton + 21, std::string(20, 'X'));
-  EXPECT_TRUE(
-      has_fault(too_long, "LEVEL2", canton + 10, "longer than 30 bytes"))
-      << all_faults(too_long);
-  CheckReport records =
-      with(&RefdbImages::level2, canton + 8, hex_bytes("0007"));
-  EXPECT_TRUE(has_fault(records, "LEVEL2", canton + 8,
-                        "counts 7 records, its block holds 1"))
-      << all_faults(records);
-  CheckReport header =
-      with(&RefdbImages::level2, canton, hex_bytes("00000004"));
-  EXPECT_TRUE(has_fault(header, "LEVEL2", canton, "lies outside BASEDATA"));
   RefdbImages odd = good;
   odd.level2.push_back('\0');
   EXPECT_TRUE(has_fault(check_reference_images(odd), "LEVEL2", 23200,

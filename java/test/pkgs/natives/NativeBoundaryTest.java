@@ -16,7 +16,7 @@ import pkgs.natives.examples.GeocodeCsv;
 
 /**
  * Tests of the native methods in a real virtual machine: results equal to the native batch
- * geocoder's, the handle table, markers for bad arguments, console messages (captured from a child
+ * geocoder's, invalid handles, markers for bad arguments, console messages (captured from a child
  * virtual machine), the source record mapping and concurrent instances.
  *
  * <p>Arguments: the sample database directory, the sample addresses CSV and the hkgeocode
@@ -42,8 +42,6 @@ public final class NativeBoundaryTest {
     }
     check(records.size() >= 200, "sample addresses loaded");
     sameResultsAsNativeBatch(Path.of(args[2]));
-    slotsAreReusedLowestFirst();
-    failedOpenKeepsItsSlot();
     invalidHandlesAreRejected();
     badArgumentsGiveMarkers();
     consoleMessagesAreExact();
@@ -139,36 +137,6 @@ public final class NativeBoundaryTest {
     }
     check(same == records.size(), "JNI results equal native results: " + same);
     check(matched > records.size() / 2, "most sample addresses match: " + matched);
-  }
-
-  private static void slotsAreReusedLowestFirst() {
-    byte[] out = new byte[300];
-    int[] h = new int[3];
-    for (int i = 0; i < 3; i++) {
-      h[i] = open(out, "");
-    }
-    check(h[1] == h[0] + 1 && h[2] == h[1] + 1, "opens take consecutive slots");
-    close(h[1], "L", null);
-    int again = open(out, "");
-    check(again == h[1], "the freed slot is reused first");
-    close(again, "L", null);
-    close(h[0], "L", null);
-    close(h[2], "L", null);
-  }
-
-  private static void failedOpenKeepsItsSlot() {
-    byte[] out = new byte[300];
-    int h =
-        OrloHKGeocoder.openGeocoder(
-            blankRecord(200), out, "", "", "", "", "", "", "", "", null, "/nonexistent/L1",
-            "/nonexistent/L2", "/nonexistent/BD", null, null);
-    check(h >= 0 && out[0] == '6', "an open with missing files returns a slot and code 6");
-    int next = open(out, "");
-    check(next == h + 1, "the failed open's slot stays taken");
-    close(h, "L", null);
-    close(next, "L", null);
-    check(open(out, "") == h, "closing the failed instance frees its slot");
-    close(h, "L", null);
   }
 
   private static void invalidHandlesAreRejected() {
@@ -268,76 +236,33 @@ public final class NativeBoundaryTest {
         "the 201st open prints the limit message and returns -1 with L: [" + limit[0] + "]");
   }
 
-  private static byte[] source() {
-    return blankRecord(8528);
-  }
-
   private static void put(byte[] rec, int offset, String text) {
     byte[] b = text.getBytes(StandardCharsets.ISO_8859_1);
     System.arraycopy(b, 0, rec, offset, b.length);
-  }
-
-  private static String field(byte[] rec, int offset, int width) {
-    return new String(rec, offset, width, StandardCharsets.ISO_8859_1);
   }
 
   private static String pad(String s, int width) {
     return String.format("%-" + width + "s", s);
   }
 
-  private static byte[] map(byte[] src) {
-    byte[] in = new byte[200];
-    OrloHKGeocoder.copyFields(src, in);
-    return in;
-  }
-
+  // The mapping itself is tested in C++; this checks that both arrays reach it and the result
+  // comes back.
   private static void copyFieldsMapsSourceRecords() {
-    byte[] src = source();
+    byte[] src = blankRecord(8528);
     put(src, 827, "NATHAN");
     put(src, 937, "88");
     put(src, 877, "ROAD");
-    put(src, 985, "IGNORED");
     put(src, 1103, "CHUNGKING");
-    put(src, 1153, "MANSIONS");
     put(src, 781, "36");
     put(src, 1343, "12/F");
-    put(src, 1383, "FLAT A");
     put(src, 2338, "KOWLOON");
-    put(src, 2241, "TSIM SHA TSUI");
-    byte[] in = map(src);
-    check(field(in, 18, 30).equals(pad("88 NATHAN ROAD", 30)), "branch 827 street");
-    check(field(in, 48, 30).equals(pad("CHUNGKING MANSIONS", 30)), "branch 827 building");
-    check(field(in, 10, 8).equals(pad("36", 8)), "branch 827 premise number");
-    check(field(in, 78, 25).equals(pad("12/F FLAT A", 25)), "unit line");
-    check(field(in, 163, 30).equals(pad("KLN", 30)), "KOWLOON becomes KLN");
-    check(field(in, 133, 30).equals(pad("TSIM SHA TSUI", 30)), "district copied");
-    check(in[199] == '1', "branch 827 mode 1");
-
-    byte[] b = source();
-    put(b, 1103, "X");
-    put(b, 1128, "QUEEN'S ROAD");
-    put(b, 1168, "CENTRAL");
-    put(b, 2241, "HK");
-    in = map(b);
-    check(field(in, 18, 30).equals(pad("QUEEN'S ROAD CENTRAL", 30)), "branch 1103 street");
-    check(field(in, 48, 38).trim().isEmpty(), "branch 1103 leaves building and premise blank");
-    check(field(in, 163, 30).equals(pad("HK", 30)), "district HK gives region HK");
-    check(field(in, 133, 30).equals(pad("HK", 30)), "district HK left unchanged");
-
-    byte[] c = source();
-    put(c, 1042, "TIMES SQUARE");
-    put(c, 778, "004");
-    put(c, 2241, "CAUSEWAY BAY");
-    put(c, 2469, "00002 ");
-    in = map(c);
-    check(in[199] == 'F', "offset 778 004 gives mode F even in branch 1042");
-    check(field(in, 163, 30).equals(pad("KLN", 30)), "region number 00002 gives KLN");
-
-    byte[] d = source();
-    put(d, 2469, "00001 ");
-    in = map(d);
-    check(in[199] == '4', "no branch gives mode 4");
-    check(field(in, 163, 30).trim().isEmpty(), "no region from a blank district");
+    byte[] in = new byte[200];
+    OrloHKGeocoder.copyFields(src, in);
+    String want =
+        pad("", 10) + pad("36", 8) + pad("88 NATHAN ROAD", 30) + pad("CHUNGKING", 30)
+            + pad("12/F", 25) + pad("", 60) + pad("KLN", 30) + pad("", 6) + "1";
+    String got = new String(in, StandardCharsets.ISO_8859_1);
+    check(got.equals(want), "copyFields maps the source record: [" + got + "]");
   }
 
   private static void threadsGiveIdenticalResults() throws Exception {
