@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -110,48 +111,39 @@ TEST(AllocationCount, SeesAllocations) {
 // Pairs that take every stage of the routines: identity, hyphens, prefixes,
 // alignment, skeletons, word pairing, compass words, courts, recoding,
 // splits and acronyms, letter folding, empty fields and long ones.
-struct Pair {
-  std::string a, b;
-};
-
-std::vector<Pair> pairs() {
-  std::vector<Pair> p = {
-      {"SMITH", "SMYTH"},
-      {"SMITH-JONES", "JONES"},
-      {"O'NEIL", "ONEIL"},
-      {"M\xDCLLER & CO", "MUELLER & CO"},
-      {"0012 MAIN", "12 MAIN"},
-      {"KARAMAZOV", "KRMSV"},
-      {"JOHN SMITH", "SMITH JOHN"},
-      {"J SMITH", "JOHN SMITH"},
-      {"ACME IBM", "ACME I B M"},
-      {"INTERNATIONAL BUSINESS MACHINES", "IBM"},
-      {"ACMX", "ACME WIDGETS"},
-      {"FIRST ST", "1ST ST"},
-      {"MAIN", "MAINS"},
-      {"TSIM SHA TSUI", "TSEM SHE TSOI"},
-      {"KING GEORGE RD", "KING G RD"},
-      {"N", "NORTH"},
-      {"COURT A", "COURT B"},
-      {"AV FOCH", "BL FOCH"},
-      {"   ", "ABC"},
-      {"", ""},
-  };
-  std::string long_b(150, 'A');
-  long_b[50] = 'B';
-  long_b[120] = ' ';
-  p.push_back({std::string(150, 'A'), long_b});
-  return p;
-}
+const char *const kPairs[][2] = {{"SMITH", "SMYTH"},
+                                 {"SMITH-JONES", "JONES"},
+                                 {"O'NEIL", "ONEIL"},
+                                 {"M\xDCLLER & CO", "MUELLER & CO"},
+                                 {"0012 MAIN", "12 MAIN"},
+                                 {"KARAMAZOV", "KRMSV"},
+                                 {"JOHN SMITH", "SMITH JOHN"},
+                                 {"J SMITH", "JOHN SMITH"},
+                                 {"ACME IBM", "ACME I B M"},
+                                 {"INTERNATIONAL BUSINESS MACHINES", "IBM"},
+                                 {"ACMX", "ACME WIDGETS"},
+                                 {"FIRST ST", "1ST ST"},
+                                 {"MAIN", "MAINS"},
+                                 {"TSIM SHA TSUI", "TSEM SHE TSOI"},
+                                 {"KING GEORGE RD", "KING G RD"},
+                                 {"N", "NORTH"},
+                                 {"COURT A", "COURT B"},
+                                 {"AV FOCH", "BL FOCH"},
+                                 {"   ", "ABC"},
+                                 {"", ""}};
 
 TEST(NoHeap, EveryRoutineWithEveryOption) {
   std::vector<std::pair<std::string, std::string>> fields;
-  for (const Pair &c : pairs()) {
-    const size_t len = std::max<size_t>(c.a.size(), c.b.size());
+  for (const auto &[a, b] : kPairs) {
+    const size_t len = std::max(std::strlen(a), std::strlen(b));
     for (size_t width : {len, len + 31}) {
-      fields.emplace_back(padded(c.a, width), padded(c.b, width));
+      fields.emplace_back(padded(a, width), padded(b, width));
     }
   }
+  std::string long_b(150, 'A');
+  long_b[50] = 'B';
+  long_b[120] = ' ';
+  fields.emplace_back(std::string(150, 'A'), long_b);
   std::string street_options[] = {"DI", "type;di", "TYPE"};
   for (auto &[a, b] : fields) {
     const int32_t len = static_cast<int32_t>(a.size());
