@@ -7,68 +7,72 @@
 
 namespace {
 
-TEST(BlankLeadingZeros, BlanksOnlyTheLeadingRun) {
-  std::string a = "00120";
-  EXPECT_EQ(cm_bllz(a.data(), 5), 2);
-  EXPECT_EQ(a, "  120");
-  std::string b = "0000";
-  EXPECT_EQ(cm_bllz(b.data(), 4), 4);
-  EXPECT_EQ(b, "    ");
-  std::string c = " 012";
-  EXPECT_EQ(cm_bllz(c.data(), 4), 0);
-  EXPECT_EQ(c, " 012");
-  std::string d = "0";
-  EXPECT_EQ(cm_bllz(d.data(), 1), 1);
-  EXPECT_EQ(d, " ");
+// Only the leading run of zeros goes, never past the length; a length of 0
+// or less is refused.
+TEST(BlankLeadingZeros, BlanksOnlyTheLeadingRunInsideTheField) {
+  struct Row {
+    std::string in;
+    int32_t len, result;
+    std::string out;
+  } rows[] = {
+      {"00120", 5, 2, "  120"}, {"0000", 4, 4, "    "}, {" 012", 4, 0, " 012"},
+      {"0", 1, 1, " "},         {"000", 2, 2, "  0"},   {"000", 0, -1, "000"},
+      {"000", -3, -1, "000"},
+  };
+  for (Row &r : rows) {
+    EXPECT_EQ(cm_bllz(r.in.data(), r.len), r.result) << r.out;
+    EXPECT_EQ(r.in, r.out);
+  }
 }
 
-TEST(BlankLeadingZeros, StaysInsideTheField) {
-  std::string e = "000";
-  EXPECT_EQ(cm_bllz(e.data(), 2), 2);
-  EXPECT_EQ(e, "  0");
-  EXPECT_EQ(cm_bllz(e.data(), 0), -1);
-  EXPECT_EQ(cm_bllz(e.data(), -3), -1);
-}
-
-std::string format(const char *src, int32_t outlen,
-                   std::string *area = nullptr) {
+// The whole output area after formatting src into outlen bytes; the result
+// must point inside it at the formatted text.
+std::string format(const char *src, int32_t outlen, std::string *text) {
   std::string out(static_cast<size_t>(outlen), 'x');
   char *p = cm_cfrmt(src, out.data(), outlen);
-  if (area) *area = out;
   EXPECT_NE(p, nullptr);
   if (p == nullptr) return "<null>";
   EXPECT_GE(p, out.data());
   EXPECT_LT(p, out.data() + outlen);
-  return p;
+  *text = p;
+  return out;
 }
 
-TEST(ThousandsFormat, InsertsCommasBetweenGroups) {
-  EXPECT_EQ(format("1234567", 21), "1,234,567");
-  EXPECT_EQ(format("1000", 21), "1,000");
-  EXPECT_EQ(format("100", 21), "100");
-  EXPECT_EQ(format("999", 21), "999");
-  EXPECT_EQ(format("123456", 21), "123,456");
-  EXPECT_EQ(format("-1234", 21), "-1,234");
-  EXPECT_EQ(format("7", 21), "7");
-  EXPECT_EQ(format("12.5000", 21), "12.5,000");
+// Commas between groups of three digits, right-aligned before the NUL; a
+// text too long for the area is cut on the left, never written before it.
+TEST(ThousandsFormat, GroupsDigitsInsideTheArea) {
+  struct Row {
+    const char *src;
+    int32_t outlen;
+    const char *text;
+  } rows[] = {
+      {"1234567", 21, "1,234,567"},
+      {"1000", 21, "1,000"},
+      {"999", 21, "999"},
+      {"123456", 21, "123,456"},
+      {"-1234", 21, "-1,234"},
+      {"-123", 21, "-123"},
+      {"7", 21, "7"},
+      {"12.5000", 21, "12.5,000"},
+      {"", 5, ""},
+      {"1234567", 6, "4,567"},
+      {"12", 1, ""},
+  };
+  for (const Row &r : rows) {
+    std::string text;
+    const std::string area = format(r.src, r.outlen, &text);
+    EXPECT_EQ(text, r.text) << r.src << " in " << r.outlen;
+    EXPECT_EQ(area.back(), '\0');
+  }
+  std::string text;
+  EXPECT_EQ(format("1234", 10, &text), std::string("    1,234\0", 10));
 }
 
-TEST(ThousandsFormat, TextEndsJustBeforeTheTerminator) {
-  std::string area;
-  EXPECT_EQ(format("1234", 10, &area), "1,234");
-  EXPECT_EQ(area, std::string("    1,234\0", 10));
-}
-
-TEST(ThousandsFormat, NullEmptyAndShortAreas) {
+TEST(ThousandsFormat, NullSourceAndEmptyArea) {
   char out[4] = {'x', 'x', 'x', 'x'};
   EXPECT_EQ(cm_cfrmt(nullptr, out, 4), nullptr);
-  EXPECT_EQ(out[0], 'x');
   EXPECT_EQ(cm_cfrmt("12", out, 0), nullptr);
-  EXPECT_EQ(format("", 5), "");
-  // Too long for the area: cut on the left, never written before it.
-  std::string area;
-  EXPECT_EQ(format("1234567", 6, &area), "4,567");
-  EXPECT_EQ(format("12", 1), "");
+  EXPECT_EQ(std::string(out, 4), "xxxx");
 }
 
 }  // namespace

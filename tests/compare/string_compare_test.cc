@@ -6,68 +6,78 @@
 #include <string_view>
 #include <vector>
 
+#include "compare/work_copy.h"
 #include "orlo_compare.h"
 
 namespace {
 
-// The text blank-padded to len bytes, in a heap block of exactly len bytes so
-// that the sanitizer build catches any read past the field.
-std::vector<char> field(std::string_view text, size_t len) {
-  std::vector<char> f(len, ' ');
-  text.copy(f.data(), std::min(text.size(), len));
-  return f;
-}
+using namespace std::literals;
 
-int32_t tgstr(std::string_view a, std::string_view b, size_t len) {
-  std::vector<char> fa = field(a, len);
-  std::vector<char> fb = field(b, len);
+// len 0: the longer of the two texts.
+int32_t tgstr(std::string_view a, std::string_view b, size_t len = 0) {
+  if (len == 0) len = std::max(a.size(), b.size());
+  std::vector<char> fa = orlo_test::exact_field(a, len);
+  std::vector<char> fb = orlo_test::exact_field(b, len);
   return m_tgstr(fa.data(), fb.data(), static_cast<int32_t>(len));
 }
 
-int32_t tgstr(std::string_view a, std::string_view b) {
-  return tgstr(a, b, std::max(a.size(), b.size()));
+struct Row {
+  std::string_view a, b;
+  size_t len;
+  int32_t score;
+  const char *note;
+};
+
+// One row per stage of the cascade and its thresholds.
+constexpr Row kRows[] = {
+    {"MAIN", "MAIN", 0, 100, "raw identity"},
+    {"\xC9TOILE", "\xC9TOILE", 0, 100, "raw identity, high byte"},
+    {" ABC", " ABC", 0, 88, "identical but beginning blank"},
+    {"0", " ", 0, 88, "a leading zero leaves a blank first byte"},
+    {"MAIN 007", "MAIN   7", 0, 98, "leading zeros of words vanish"},
+    {"0012 MAIN", "12 MAIN", 0, 95, "packed prefix one longer"},
+    {"10 MAIN", "1  MAIN", 0, 96, "a zero inside a number stays"},
+    {"AB-CD", "ABCD", 0, 96, "one extra character"},
+    {"A", "B", 0, 86, "one byte substitution: 98 - 2 - 10"},
+    {"MAIN\0"sv, "MAIN", 0, 95, "a NUL is a character"},
+    {"ABCDEFGHIJKLMNOPQRST", "abcdefghijklmnopqrst", 0, 50,
+     "below 66: the character score is final"},
+    {"A SMITH", "SMITH", 0, 94, "short word dropped, 4 off"},
+    {"SMITH J", "SMITH", 7, 91, "a short word filling the field stays"},
+    {"SMITH J", "SMITH", 8, 94, "with a blank behind it it goes"},
+    {"KARAMAZOV", "KRMZV", 0, 95, "equal skeletons"},
+    {"KARAMAZOV", "KRMSV", 0, 90, "skeletons one position apart"},
+    {"KARAMAZOV", "KRMV", 0, 90, "skeleton one character shorter"},
+    {"JOHN SMITH", "SMITH JOHN", 0, 89, "all words paired"},
+    {"JOHN SMITH XYZ", "SMITH JOHN ABC", 0, 89, "two of three paired"},
+    {"JOHN SMITH 123", "SMITH JOHN 123", 0, 72, "three of three: no rule"},
+    {"JOHN SMITH 123", "SMITH JOHN 124", 0, 70, "unpaired digit words"},
+    {"ALPHA BRAVO CHARLIE DELTA", "ALPHA BRAVO CHARLIE ECHOS", 0, 89,
+     "four words need three pairs"},
+    {"ALPHA BRAVO CHARLIE DELTA", "ALPHA BRAVO XYZQW ECHOS", 0, 68,
+     "two pairs of four are not enough"},
+    {"AB CDEF", "CDEF AB", 0, 76, "two-character words never pair"},
+    {"ABC CDEF", "CDEF ABC", 0, 89, "three-character words do"},
+    {"J SMITH", "JOHN SMITH", 0, 89, "initial stands for a word"},
+    {"K SMITH", "JOHN SMITH", 0, 72, "K is no initial of JOHN"},
+};
+
+TEST(String, CascadeRules) {
+  for (const Row &r : kRows) {
+    SCOPED_TRACE(r.note);
+    EXPECT_EQ(tgstr(r.a, r.b, r.len), r.score);
+  }
 }
 
-TEST(StringIdentity, IdenticalFieldsScore100UnlessTheyBeginBlank) {
-  EXPECT_EQ(tgstr("MAIN", "MAIN"), 100);
-  EXPECT_EQ(tgstr("\xC9TOILE", "\xC9TOILE"), 100);
-  // Blank first byte: identical after zero normalisation gives 88, and no
-  // later stage finds more.
-  EXPECT_EQ(tgstr(" ABC", " ABC"), 88);
-}
-
-TEST(StringIdentity, EmptyAndNegativeLengthsAreIdentical) {
+TEST(String, EmptyAndNegativeLengthsAreIdentical) {
   EXPECT_EQ(m_tgstr(nullptr, nullptr, 0), 100);
   EXPECT_EQ(m_tgstr("ABC", "XYZ", 0), 100);
   EXPECT_EQ(m_tgstr("ABC", "XYZ", -3), 100);
 }
 
-TEST(StringZeros, LeadingZerosOfWordsVanish) {
-  // '  12 MAIN' and '12 MAIN' both pack to '12MAIN': the first prefix rule.
-  EXPECT_EQ(tgstr("0012 MAIN", "12 MAIN"), 95);
-  // Equal after normalisation and not beginning blank.
-  EXPECT_EQ(tgstr("MAIN 007", "MAIN   7"), 98);
-  // A leading zero at position 0 leaves a blank first byte: 88.
-  EXPECT_EQ(tgstr("0", " "), 88);
-  // A zero inside a number stays: '10MAIN' has one character more.
-  EXPECT_EQ(tgstr("10 MAIN", "1  MAIN"), 96);
-}
-
-TEST(StringCharacters, OneExtraCharacter) {
-  EXPECT_EQ(tgstr("AB-CD", "ABCD"), 96);
-}
-
-TEST(StringCharacters, ShortTexts) {
-  // One substitution in one byte: 98 - 2 - 10; nothing later applies.
-  EXPECT_EQ(tgstr("A", "B"), 86);
-  // A NUL is a character: 'MAIN' begins 'MAIN\0', one longer.
-  EXPECT_EQ(tgstr(std::string_view("MAIN\0", 5), "MAIN"), 95);
-}
-
-TEST(StringCharacters, VeryDifferentTextsReturnTheLowScoreAtOnce) {
-  // 20 substitutions: 98 - 40 - 10 + 2.
-  EXPECT_EQ(tgstr("ABCDEFGHIJKLMNOPQRST", "abcdefghijklmnopqrst"), 50);
-  // 60 substitutions in high bytes go below zero and stay there.
+// 60 substitutions in high bytes take the score below zero, and it stays
+// there (no floor, no wrap).
+TEST(String, VeryDifferentTextsGoBelowZero) {
   std::string a, b;
   for (int k = 0; k < 60; ++k) {
     a += static_cast<char>(0x80 + k);
@@ -76,60 +86,12 @@ TEST(StringCharacters, VeryDifferentTextsReturnTheLowScoreAtOnce) {
   EXPECT_EQ(tgstr(a, b), 98 - 120 - 10 + 2);
 }
 
-TEST(StringShortWords, DifferentWordCountsDropShortWordsAndCost4) {
-  // 'A' goes; 'SMITH' against 'SMITH' is 98, less 4.
-  EXPECT_EQ(tgstr("A SMITH", "SMITH"), 94);
-  // A short last word that fills the field has no blank behind it and
-  // stays: 'SMITHJ' against 'SMITH' is a prefix one longer, 95 - 4.
-  EXPECT_EQ(tgstr("SMITH J", "SMITH", 7), 91);
-  EXPECT_EQ(tgstr("SMITH J", "SMITH", 8), 94);
-}
-
-TEST(StringSkeletons, EqualSkeletonsScore95) {
-  // Character stage 80 (four extra letters); both skeletons 'KRMZV'.
-  EXPECT_EQ(tgstr("KARAMAZOV", "KRMZV"), 95);
-}
-
-TEST(StringSkeletons, SkeletonsOneApartScore90) {
-  // 'KRMZV' against 'KRMSV': one differing position.
-  EXPECT_EQ(tgstr("KARAMAZOV", "KRMSV"), 90);
-  // 'KRMZV' against 'KRMV': one skipped character.
-  EXPECT_EQ(tgstr("KARAMAZOV", "KRMV"), 90);
-}
-
-TEST(StringWords, PairedWordsScore89) {
-  // The character stage gives 72; both words pair.
-  EXPECT_EQ(tgstr("JOHN SMITH", "SMITH JOHN"), 89);
-  // Three words, two paired.
-  EXPECT_EQ(tgstr("JOHN SMITH XYZ", "SMITH JOHN ABC"), 89);
-}
-
-TEST(StringWords, UnpairedDigitWordsBlockThePairingRule) {
-  EXPECT_EQ(tgstr("JOHN SMITH 123", "SMITH JOHN 124"), 70);
-}
-
-TEST(StringWords, ThreeWordsNeedExactlyTwoPairs) {
-  // All three words pair, which the rule for three words does not accept.
-  EXPECT_EQ(tgstr("JOHN SMITH 123", "SMITH JOHN 123"), 72);
-}
-
-TEST(StringWords, TwoCharacterWordsNeverPair) {
-  EXPECT_EQ(tgstr("AB CDEF", "CDEF AB"), 76);
-  EXPECT_EQ(tgstr("ABC CDEF", "CDEF ABC"), 89);
-}
-
-TEST(StringWords, InitialsMatchWords) {
-  // Character stage 74; SMITH pairs and J stands for JOHN: 1 + 1 = 2 words.
-  EXPECT_EQ(tgstr("J SMITH", "JOHN SMITH"), 89);
-  // K is no initial of JOHN: the character stage's 72 stands.
-  EXPECT_EQ(tgstr("K SMITH", "JOHN SMITH"), 72);
-}
-
-TEST(StringLongFields, OnlyTheFirst99BytesCount) {
+// Only 99 bytes count: the hundredth becomes a NUL in both.
+TEST(String, OnlyTheFirst99BytesCount) {
   std::string a;
   for (int i = 0; i < 150; ++i) a += static_cast<char>('A' + i % 3);
   std::string b = a;
-  b[99] = 'Z';  // the hundredth byte is replaced by a NUL in both
+  b[99] = 'Z';
   b[140] = 'Z';
   EXPECT_EQ(tgstr(a, b, 150), 100);
   EXPECT_EQ(tgstr(a, b, 100), 100);

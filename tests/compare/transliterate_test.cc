@@ -11,6 +11,8 @@
 
 namespace {
 
+using namespace std::literals;
+
 std::string isostd(unsigned char ch) {
   std::unique_ptr<char, decltype(&std::free)> text(tg_isostd(ch), &std::free);
   return text ? std::string(text.get()) : std::string("<null>");
@@ -68,34 +70,29 @@ std::string remac(const std::string &text, size_t size) {
   return std::string(buffer.data(), size);
 }
 
-TEST(Remac, RewritesOnlyTheBytesOfTheTable) {
-  EXPECT_EQ(remac("M\xFCller", 16),
-            std::string("MUEllEr") + std::string(9, '\0'));
-  EXPECT_EQ(remac("caf\xE9", 8), std::string("CAfE") + std::string(4, '\0'));
-  EXPECT_EQ(remac("O'NEIL & SONS", 16),
-            std::string("O NEIL   SONS") + std::string(3, '\0'));
-}
-
-TEST(Remac, StopsAtTheNulAndClearsWhatFollows) {
-  std::string text("AB\0XYZ", 6);
-  EXPECT_EQ(remac(text, 6), std::string("AB\0\0\0\0", 6));
-}
-
-TEST(Remac, OutputIsCutAtTheBufferSize) {
-  // 'MUEllEr' fills all seven bytes: no room is left for a terminator.
-  EXPECT_EQ(remac("M\xFCller", 7), "MUEllEr");
-  // A pair at the last byte keeps its first character.
-  EXPECT_EQ(remac("AB\xDF", 3), "ABS");
-  EXPECT_EQ(remac("\xC6\xC6", 3), "AEA");
-}
-
-TEST(Remac, ReadsNoFurtherThanTheBuffer) {
-  // No terminator inside the buffer: the input ends with the buffer.
-  EXPECT_EQ(remac("abc", 3), "AbC");
+// Rewriting stops at the NUL and clears what follows; output that fills
+// the buffer is cut there without a terminator, and without a NUL the input
+// ends with the buffer.
+TEST(Remac, RewritesInsideTheBuffer) {
+  struct Row {
+    std::string text;
+    size_t size;
+    std::string buffer;
+  } rows[] = {
+      {"M\xFCller", 16, "MUEllEr" + std::string(9, '\0')},
+      {"caf\xE9", 8, "CAfE" + std::string(4, '\0')},
+      {"O'NEIL & SONS", 16, "O NEIL   SONS" + std::string(3, '\0')},
+      {"AB\0XYZ"s, 6, "AB\0\0\0\0"s},
+      {"M\xFCller", 7, "MUEllEr"},
+      {"AB\xDF", 3, "ABS"},  // a pair at the last byte keeps its first
+      {"\xC6\xC6", 3, "AEA"},
+      {"abc", 3, "AbC"},
+      {"", 4, std::string(4, '\0')},
+  };
+  for (const Row &r : rows) EXPECT_EQ(remac(r.text, r.size), r.buffer);
 }
 
 TEST(Remac, EmptyAndDegenerateBuffers) {
-  EXPECT_EQ(remac("", 4), std::string(4, '\0'));
   char text[] = "abc";
   tg_remac(text, 0);
   tg_remac(text, -1);

@@ -8,6 +8,10 @@
 
 namespace {
 
+using namespace std::literals;
+
+using Words = std::vector<std::string>;
+
 struct List {
   MWORD nodes[29];
   MWORD *head = nullptr;
@@ -27,30 +31,26 @@ std::vector<std::string> words_of(const List &l) {
   return out;
 }
 
-using Words = std::vector<std::string>;
-
-TEST(Iwrdls, SplitsOnBlankRuns) {
-  List l;
-  std::string text = "  A B";
-  m_iwrdls(l.nodes, &l.head, &l.tail, 5, text.data());
-  EXPECT_EQ(words_of(l), (Words{"A", "B"}));
-  EXPECT_EQ(l.head->text, text.data() + 2);
-  EXPECT_EQ(l.tail->text, text.data() + 4);
-  EXPECT_EQ(l.head, &l.nodes[0]);
-}
-
-TEST(Iwrdls, OnlyBlankSeparates) {
-  List l;
-  std::string text("KAM-TIN\tRD  X\0Y  ", 17);
-  m_iwrdls(l.nodes, &l.head, &l.tail, 17, text.data());
-  EXPECT_EQ(words_of(l), (Words{"KAM-TIN\tRD", std::string("X\0Y", 3)}));
-}
-
-TEST(Iwrdls, StopsAtLength) {
-  List l;
-  std::string text = "ONE TWO THREE";
-  m_iwrdls(l.nodes, &l.head, &l.tail, 6, text.data());
-  EXPECT_EQ(words_of(l), (Words{"ONE", "TW"}));
+// Only 0x20 separates words, runs of it as one; the list stops at the
+// length and its nodes point into the caller's text.
+TEST(Iwrdls, SplitsOnBlankRunsWithinTheLength) {
+  struct Row {
+    std::string text;
+    int32_t len;
+    Words words;
+  } rows[] = {
+      {"  A B", 5, {"A", "B"}},
+      {"KAM-TIN\tRD  X\0Y  "s, 17, {"KAM-TIN\tRD", "X\0Y"s}},
+      {"ONE TWO THREE", 6, {"ONE", "TW"}},
+      {"NATHAN", 6, {"NATHAN"}},
+  };
+  for (Row &r : rows) {
+    List l;
+    m_iwrdls(l.nodes, &l.head, &l.tail, r.len, r.text.data());
+    EXPECT_EQ(words_of(l), r.words);
+    EXPECT_EQ(l.head, &l.nodes[0]);
+    EXPECT_EQ(l.head->text, r.text.data() + r.text.find_first_not_of(' '));
+  }
 }
 
 TEST(Iwrdls, ShortensBusinessWordsInPlace) {
@@ -78,30 +78,16 @@ TEST(Iwrdls, AtMostTwentyNineWords) {
   EXPECT_EQ(text.substr(text.size() - 3), "AND");
 }
 
+// No words: head and tail are cleared, whatever they held.
 TEST(Iwrdls, NoWords) {
-  List l;
-  l.head = l.tail = &l.nodes[0];
   std::string text = "     ";
-  m_iwrdls(l.nodes, &l.head, &l.tail, 5, text.data());
-  EXPECT_EQ(l.head, nullptr);
-  EXPECT_EQ(l.tail, nullptr);
-  l.head = l.tail = &l.nodes[0];
-  m_iwrdls(l.nodes, &l.head, &l.tail, 0, text.data());
-  EXPECT_EQ(l.head, nullptr);
-  EXPECT_EQ(l.tail, nullptr);
-  l.head = l.tail = &l.nodes[0];
-  m_iwrdls(l.nodes, &l.head, &l.tail, -3, text.data());
-  EXPECT_EQ(l.head, nullptr);
-}
-
-TEST(Iwrdls, SingleWordFillingTheField) {
-  List l;
-  std::string text = "NATHAN";
-  m_iwrdls(l.nodes, &l.head, &l.tail, 6, text.data());
-  EXPECT_EQ(words_of(l), (Words{"NATHAN"}));
-  EXPECT_EQ(l.head, l.tail);
-  EXPECT_EQ(l.head->next, nullptr);
-  EXPECT_EQ(l.head->prev, nullptr);
+  for (int32_t len : {5, 0, -3}) {
+    List l;
+    l.head = l.tail = &l.nodes[0];
+    m_iwrdls(l.nodes, &l.head, &l.tail, len, text.data());
+    EXPECT_EQ(l.head, nullptr) << len;
+    EXPECT_EQ(l.tail, nullptr) << len;
+  }
 }
 
 }  // namespace

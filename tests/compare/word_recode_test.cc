@@ -12,7 +12,8 @@
 
 namespace {
 
-using orlo_test::padded;
+using namespace std::literals;
+
 using orlo_test::WorkCopy;
 using Routine = void (*)(char *, int32_t);
 
@@ -25,154 +26,93 @@ std::string run(Routine routine, std::string_view text, size_t width) {
   return f.text();
 }
 
-// --- m_fixord ----------------------------------------------------------------
+struct Row {
+  Routine routine;
+  std::string_view text;
+  size_t width;
+  std::string_view expected;  // without trailing blanks
+  const char *note;
+};
 
-TEST(Fixord, DropsSuffixesAfterDigits) {
-  EXPECT_EQ(run(m_fixord, "21ST ST", 31), "21   ST");
-  EXPECT_EQ(run(m_fixord, "2ND AVE", 31), "2   AVE");
-  EXPECT_EQ(run(m_fixord, "3RD 4TH X", 31), "3   4   X");
-  EXPECT_EQ(run(m_fixord, "21ST", 31), "21");
-  EXPECT_EQ(run(m_fixord, "A1ST B", 31), "A1   B");
+// One row per rule of each routine and per boundary of its field.
+constexpr Row kRows[] = {
+    {m_fixord, "21ST ST", 31, "21   ST", "suffix after a digit"},
+    {m_fixord, "3RD 4TH X", 31, "3   4   X", "every suffix"},
+    {m_fixord, "2ND AVE", 31, "2   AVE", "ND"},
+    {m_fixord, "A1ST B", 31, "A1   B", "digit inside a word"},
+    {m_fixord, "STREET", 31, "STREET", "no digit"},
+    {m_fixord, "EAST ST 9", 31, "EAST ST 9", "suffix not after a digit"},
+    {m_fixord, "1 ST X", 31, "1 ST X", "blank between"},
+    {m_fixord, "1STX Y", 31, "1STX Y", "no blank behind"},
+    {m_fixord, "1ST", 3, "1ST", "ending a full field: kept"},
+    {m_fixord, "12 42ND", 7, "12 42ND", "ending a full field, later word"},
+    {m_fixord, "1ST", 4, "1", "one blank behind is enough"},
+    {m_fixord, "RUE 3IEME", 9, "RUE 3", "French ordinal"},
+    {m_fixord, "IEME", 8, "IEME", "IEME must lie past position 3"},
+    {m_fixord, "1ST 2IEME", 31, "1ST 2", "after IEME nothing else changes"},
+    {m_fixord, "", 10, "", "blank field"},
+    {m_fixord, "1ST", 0, "", "zero width"},
+    {m_wrdrec, "MAIN STREET", 31, "MAIN ST", "street type"},
+    {m_wrdrec, "HIGHWAY 9", 31, "HW      9", "shorter form, blanks behind"},
+    {m_wrdrec, "HWY 9", 31, "HW  9", "abbreviation abbreviated"},
+    {m_wrdrec, "SAINT JOHN ST", 31, "ST    JOHN ST", "first word"},
+    {m_wrdrec, "A AND B", 31, "A &   B", "AND"},
+    {m_wrdrec, "FIVE CROSSROADS", 31, "FIVE XRDS", "X forms"},
+    {m_wrdrec, "PARK AVENUE ROAD", 31, "PARK AVE    RD", "two rows"},
+    {m_wrdrec, "MAIN STREET", 13, "MAIN STREET", "scan stops 4 short"},
+    {m_wrdrec, "MAIN STREET", 14, "MAIN ST", "room behind the word"},
+    {m_wrdrec, "MAINSTREET X", 31, "MAINSTREET X", "only word starts"},
+    {m_wrdrec, "BROADWAY ROAD", 31, "BROADWAY ROAD",
+     "only the first place of the first four bytes counts"},
+    {m_wrdrec, "NEW ROAD", 31, "NEW RD", "ROAD at a word start"},
+    {m_wrdrec, "ROAD ROAD X", 31, "RD   ROAD X", "one occurrence a row"},
+    {m_wrdrec, "ROADS ROAD X", 31, "ROADS RD   X", "search goes on right"},
+    {m_wrdrec, "X   MAIN STREET", 31, "X   MAIN STREET",
+     "three blanks end the scan"},
+    {m_wrdrec, "X  MAIN STREET", 31, "X  MAIN ST", "two blanks do not"},
+    {m_wrdrec, "LUK HOP STREETX", 31, "LUK HOP STREETX", "no trigger letter"},
+    {m_wrdrec, "MAIN\0STREET X"sv, 31, "MAIN\0STREET X"sv, "stops at a NUL"},
+    {m_wrdrec, "HWY", 3, "HWY", "field too short to scan"},
+    {m_wrdrec, "HWY ", 0, "", "zero width"},
+    {m_recode, "FIRST ST", 31, "1ST   ST", "first word"},
+    {m_recode, "FIRST AVE", 31, "1ST", "second word dropped"},
+    {m_recode, "RUE DES LILAS", 31, "        LILAS", "both words dropped"},
+    {m_recode, "NORTHWEST SECOND X", 31, "NW        2ND    X", "both recoded"},
+    {m_recode, "X Y FIRST", 31, "X Y FIRST", "only the first two words"},
+    {m_recode, "FIRST AVE", 15, "1ST   AVE", "no second word below 16"},
+    {m_recode, "FIRST AVE", 16, "1ST", "second word from 16"},
+    {m_recode, "RUE DES LILAS", 13, "    DES LILAS", "short field"},
+    {m_recode, "X  FIRST", 31, "X  FIRST", "two blanks: no second word"},
+    {m_recode, "PLZ X", 5, "PZ  X", "keeps the field length"},
+    {m_recode, "APARTMENTS", 10, "APARTMENTS", "needs its closing blank"},
+    {m_recode, "AV FOCH", 31, "AVE FOCH", "AV widened"},
+    {m_recode, "BL FOCH", 31, "BLVD FOCH", "BL widened"},
+    {m_recode, "AV FOCH", 7, "AVE FOC", "widening pushes text off"},
+    {m_recode, "BL X", 4, "BLVD", "widening fills the field"},
+    {m_recode, "AV ", 3, "AVE", "three bytes"},
+    {m_recode, "AVX FOCH", 31, "AVX FOCH", "AVX is no AV"},
+    {m_recode, "BOUL X", 31, "BLVD X", "a recoded BOUL is not widened"},
+    {m_recode, "", 31, "", "blank field"},
+    {m_recode_new, "RUE DES LILAS", 31, "RUE DES LILAS", "type words kept"},
+    {m_recode_new, "FIRST AVE", 31, "1ST   AVE", "ordinal recoded"},
+    {m_recode_new, "AVENUE FOCH", 31, "AVE    FOCH", "short type form"},
+    {m_recode_new, "AV FOCH", 31, "AVE FOCH", "AV widened"},
+};
+
+TEST(WordRecode, Rules) {
+  for (const Row &r : kRows) {
+    SCOPED_TRACE(std::string(r.note) + ": '" + std::string(r.text) + "'");
+    EXPECT_EQ(run(r.routine, r.text, r.width), r.expected) << r.width;
+  }
 }
 
-TEST(Fixord, KeepsSuffixesNotAfterADigit) {
-  EXPECT_EQ(run(m_fixord, "STREET", 31), "STREET");
-  EXPECT_EQ(run(m_fixord, "EAST ST 9", 31), "EAST ST 9");
-  EXPECT_EQ(run(m_fixord, "1 ST X", 31), "1 ST X");
-  EXPECT_EQ(run(m_fixord, "1STX Y", 31), "1STX Y");  // no blank behind
-}
-
-TEST(Fixord, SuffixEndingAFullFieldIsKept) {
-  EXPECT_EQ(run(m_fixord, "1ST", 3), "1ST");
-  EXPECT_EQ(run(m_fixord, "12 42ND", 7), "12 42ND");
-  EXPECT_EQ(run(m_fixord, "1ST", 4), "1");
-}
-
-TEST(Fixord, FrenchOrdinal) {
-  EXPECT_EQ(run(m_fixord, "RUE 3IEME", 31), "RUE 3");
-  EXPECT_EQ(run(m_fixord, "RUE 3IEME", 9), "RUE 3");
-  // The ending must lie past position 3.
-  EXPECT_EQ(run(m_fixord, "IEME", 8), "IEME");
-  // Only a final IEME goes, and then nothing else changes.
-  EXPECT_EQ(run(m_fixord, "1ST 2IEME", 31), "1ST 2");
-}
-
-TEST(Fixord, DegenerateFields) {
-  EXPECT_EQ(run(m_fixord, "", 10), "");
-  EXPECT_EQ(run(m_fixord, "1ST", 0), "");
-  std::string f = "1ST X";
-  m_fixord(f.data(), -4);
-  EXPECT_EQ(f, "1ST X");
-}
-
-// --- m_wrdrec ----------------------------------------------------------------
-
-TEST(Wrdrec, AbbreviatesStreetTypes) {
-  EXPECT_EQ(run(m_wrdrec, "MAIN STREET", 31), "MAIN ST");
-  EXPECT_EQ(run(m_wrdrec, "HIGHWAY 9", 31), "HW      9");
-  EXPECT_EQ(run(m_wrdrec, "HWY 9", 31), "HW  9");
-  EXPECT_EQ(run(m_wrdrec, "SAINT JOHN ST", 31), "ST    JOHN ST");
-  EXPECT_EQ(run(m_wrdrec, "A AND B", 31), "A &   B");
-  EXPECT_EQ(run(m_wrdrec, "FIVE CROSSROADS", 31), "FIVE XRDS");
-  EXPECT_EQ(run(m_wrdrec, "OLD CROSSING RD", 31), "OLD XING     RD");
-  EXPECT_EQ(run(m_wrdrec, "PARK AVENUE ROAD", 31), "PARK AVE    RD");
-}
-
-TEST(Wrdrec, NeedsRoomBehindTheLastWord) {
-  // The quick scan stops four bytes short of the end, and the word must be
-  // followed by its blank inside the field.
-  EXPECT_EQ(run(m_wrdrec, "MAIN STREET", 11), "MAIN STREET");
-  EXPECT_EQ(run(m_wrdrec, "MAIN STREET", 13), "MAIN STREET");
-  EXPECT_EQ(run(m_wrdrec, "MAIN STREET", 14), "MAIN ST");
-}
-
-TEST(Wrdrec, OnlyWordStartsMatch) {
-  EXPECT_EQ(run(m_wrdrec, "MAINSTREET X", 31), "MAINSTREET X");
-  // Only the first place where a word's first four bytes appear counts: ROAD
-  // inside BROADWAY is not at a word start, so the later ROAD stays too.
-  EXPECT_EQ(run(m_wrdrec, "BROADWAY ROAD", 31), "BROADWAY ROAD");
-  EXPECT_EQ(run(m_wrdrec, "BROAD ROAD", 31), "BROAD ROAD");
-  EXPECT_EQ(run(m_wrdrec, "NEW ROAD", 31), "NEW RD");
-}
-
-TEST(Wrdrec, OneOccurrencePerRow) {
-  EXPECT_EQ(run(m_wrdrec, "ROAD ROAD X", 31), "RD   ROAD X");
-  // A word start that is not the whole word sends the search further right.
-  EXPECT_EQ(run(m_wrdrec, "ROADS ROAD X", 31), "ROADS RD   X");
-}
-
-TEST(Wrdrec, TextAfterThreeBlanksIsNotScanned) {
-  // No word ending before a blank comes ahead of the triple blank.
-  EXPECT_EQ(run(m_wrdrec, "X   MAIN STREET", 31), "X   MAIN STREET");
-  // Without the triple blank the same text is recoded.
-  EXPECT_EQ(run(m_wrdrec, "X  MAIN STREET", 31), "X  MAIN ST");
-}
-
-TEST(Wrdrec, NoTriggerLetterMeansNoChange) {
-  EXPECT_EQ(run(m_wrdrec, "LUK HOP STREETX", 31), "LUK HOP STREETX");
-}
-
-TEST(Wrdrec, SearchStopsAtANul) {
-  const std::string text("MAIN\0STREET X", 13);
-  EXPECT_EQ(run(m_wrdrec, text, 31), text);
-}
-
-TEST(Wrdrec, DegenerateFields) {
-  EXPECT_EQ(run(m_wrdrec, "", 31), "");
-  EXPECT_EQ(run(m_wrdrec, "HWY", 3), "HWY");
-  EXPECT_EQ(run(m_wrdrec, "HWY ", 0), "");
-  std::string f = "HWY 9   ";
-  m_wrdrec(f.data(), -1);
-  EXPECT_EQ(f, "HWY 9   ");
-}
-
-// --- m_recode and m_recode_new
-// -------------------------------------------------
-
-TEST(Recode, FirstAndSecondWord) {
-  EXPECT_EQ(run(m_recode, "FIRST ST", 31), "1ST   ST");
-  EXPECT_EQ(run(m_recode, "FIRST AVE", 31), "1ST");
-  EXPECT_EQ(run(m_recode, "RUE DES LILAS", 31), "        LILAS");
-  EXPECT_EQ(run(m_recode, "AVENUE FOCH", 31), "       FOCH");
-  EXPECT_EQ(run(m_recode, "NORTHWEST SECOND X", 31), "NW        2ND    X");
-  // Only the first two words are looked at.
-  EXPECT_EQ(run(m_recode, "X Y FIRST", 31), "X Y FIRST");
-}
-
-TEST(Recode, SecondWordNeedsALongField) {
-  EXPECT_EQ(run(m_recode, "FIRST AVE", 15), "1ST   AVE");
-  EXPECT_EQ(run(m_recode, "FIRST AVE", 16), "1ST");
-  EXPECT_EQ(run(m_recode, "RUE DES LILAS", 13), "    DES LILAS");
-  EXPECT_EQ(run(m_recode, "RUE DES LILAS", 14), "        LILAS");
-  // Two blanks after the first word: no second word.
-  EXPECT_EQ(run(m_recode, "X  FIRST", 31), "X  FIRST");
-}
-
-TEST(Recode, KeepsFieldLength) {
-  EXPECT_EQ(run(m_recode, "PLZ X", 5), "PZ  X");
-  EXPECT_EQ(run(m_recode, "APARTMENTS X", 31), "APTS       X");
-  // A word needs its closing blank inside the field.
-  EXPECT_EQ(run(m_recode, "APARTMENTS", 10), "APARTMENTS");
-  EXPECT_EQ(run(m_recode, "TWO", 3), "TWO");
-}
-
-TEST(Recode, ShortAvenueAndBoulevard) {
-  EXPECT_EQ(run(m_recode, "AV FOCH", 31), "AVE FOCH");
-  EXPECT_EQ(run(m_recode, "BL FOCH", 31), "BLVD FOCH");
-  EXPECT_EQ(run(m_recode, "AV FOCH", 7), "AVE FOC");  // pushed off the end
-  EXPECT_EQ(run(m_recode, "BL X", 4), "BLVD");
-  EXPECT_EQ(run(m_recode, "AV ", 3), "AVE");
-  EXPECT_EQ(run(m_recode, "AVX FOCH", 31), "AVX FOCH");
-  // A recoded BOUL is not expanded again.
-  EXPECT_EQ(run(m_recode, "BOUL X", 31), "BLVD X");
-}
-
-TEST(RecodeNew, KeepsTypeWordsInShortForm) {
-  EXPECT_EQ(run(m_recode_new, "RUE DES LILAS", 31), "RUE DES LILAS");
-  EXPECT_EQ(run(m_recode_new, "FIRST AVE", 31), "1ST   AVE");
-  EXPECT_EQ(run(m_recode_new, "AVENUE FOCH", 31), "AVE    FOCH");
-  EXPECT_EQ(run(m_recode_new, "RANG X", 31), "RG   X");
-  EXPECT_EQ(run(m_recode_new, "AV FOCH", 31), "AVE FOCH");
+// A negative length leaves the field alone.
+TEST(WordRecode, NegativeLengths) {
+  std::string f = "1ST FIRST HWY 9";
+  for (Routine routine : {m_fixord, m_wrdrec, m_recode, m_recode_new}) {
+    routine(f.data(), -1);
+  }
+  EXPECT_EQ(f, "1ST FIRST HWY 9");
 }
 
 // Every row of the table is found by the binary search, as the first and as
@@ -191,32 +131,15 @@ TEST(Recode, EveryTableRowIsFound) {
 }
 
 TEST(Recode, WordsOutsideTheTableAndHighBytes) {
-  const std::vector<std::string> texts = {"AAA X",
-                                          "ZZZ X",
-                                          "FIRSTS X",
-                                          "TW X",
-                                          "\xC9TOILE X",
-                                          "\xFF\xFF X",
-                                          std::string("\0\0 X", 4)};
-  for (const std::string &text : texts) {
+  for (std::string_view text : {"AAA X"sv, "ZZZ X"sv, "FIRSTS X"sv, "TW X"sv,
+                                "\xC9TOILE X"sv, "\xFF\xFF X"sv, "\0\0 X"sv}) {
     EXPECT_EQ(run(m_recode, text, 31), text) << text;
   }
 }
 
-TEST(Recode, DegenerateFields) {
-  EXPECT_EQ(run(m_recode, "", 31), "");
-  std::string f = "FIRST X";
-  m_recode(f.data(), 0);
-  m_recode(f.data(), -2);
-  m_recode_new(f.data(), -2);
-  EXPECT_EQ(f, "FIRST X");
-}
-
-// --- all routines
-// --------------------------------------------------------------
-
-// Random texts built from table words, in fields of every width, never change
-// a byte behind the field (the address sanitizer sees exact-size buffers).
+// Random texts built from table words, in fields of every width, never
+// write behind the field, nor read behind it (the sanitizer build sees the
+// exact-size buffers).
 TEST(WordRoutines, NeverWriteBehindTheField) {
   const std::vector<std::string> vocabulary = {
       "FIRST",      "AVE",        "AV",    "BL",  "RUE",  "STREET",
@@ -231,9 +154,11 @@ TEST(WordRoutines, NeverWriteBehindTheField) {
     for (int w = words(rng); w > 0; --w) text += vocabulary[pick(rng)] + " ";
     for (int32_t width = 0; width <= 40; ++width) {
       for (Routine routine : {m_fixord, m_wrdrec, m_recode, m_recode_new}) {
-        std::vector<char> field(text.begin(), text.end());
-        field.resize(static_cast<size_t>(width), ' ');
-        routine(field.data(), width);
+        std::vector<char> exact = orlo_test::exact_field(text, width);
+        routine(exact.data(), width);
+        WorkCopy f(text, static_cast<size_t>(width));
+        routine(f.data(), f.len());
+        ASSERT_TRUE(f.tail_intact()) << text << " in " << width;
       }
     }
   }

@@ -1,22 +1,39 @@
-// Fields for the comparison tests, laid out the way the comparison routines'
-// own work areas are: the text, blank-padded to the field width, followed by
-// NUL bytes for the look-ahead.
+// Fields for the comparison tests: callers' fields of an exact size, and
+// work copies laid out the way the routines' own work areas are.
 #ifndef ORLO_TESTS_COMPARE_WORK_COPY_H
 #define ORLO_TESTS_COMPARE_WORK_COPY_H
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "orlo_compare.h"
 
 namespace orlo_test {
 
 inline constexpr size_t kTrailingNuls = 4;
 
+// The text blank-padded (or cut) to width.
+inline std::string padded(std::string_view text, size_t width) {
+  std::string s(text.substr(0, width));
+  s.resize(width, ' ');
+  return s;
+}
+
+// The text blank-padded to len bytes in a heap block of exactly len bytes,
+// so that the sanitizer build catches any read past a caller's field.
+inline std::vector<char> exact_field(std::string_view text, size_t len) {
+  const std::string p = padded(text, len);
+  return std::vector<char>(p.begin(), p.end());
+}
+
+// The text blank-padded to the field width and followed by NUL bytes for
+// the look-ahead, as inside the comparison routines.
 class WorkCopy {
  public:
   WorkCopy(std::string_view text, size_t width)
-      : bytes_(text.substr(0, width)), width_(width) {
-    bytes_.resize(width, ' ');
+      : bytes_(padded(text, width)), width_(width) {
     bytes_.append(kTrailingNuls, '\0');
   }
 
@@ -39,11 +56,20 @@ class WorkCopy {
   size_t width_;
 };
 
-// The text blank-padded to width.
-inline std::string padded(std::string_view text, size_t width) {
-  std::string s(text.substr(0, width));
-  s.resize(width, ' ');
-  return s;
+// m_street on s1 and s2 padded to len, in fields of exactly len bytes;
+// options (NULL for nullptr) is passed as a writable copy.
+inline int32_t street_score(std::string_view s1, std::string_view s2,
+                            int32_t len, const char *options = nullptr) {
+  std::vector<char> a = exact_field(s1, static_cast<size_t>(len));
+  std::vector<char> b = exact_field(s2, static_cast<size_t>(len));
+  std::string opt = options ? options : "";
+  return m_street(a.data(), b.data(), len, options ? opt.data() : nullptr);
+}
+
+// Makes the next call's first street new to this thread's street cache
+// (keyed on the first street's bytes alone, whatever length and options).
+inline void forget_cached_street() {
+  street_score("\x7F", "", 1);
 }
 
 }  // namespace orlo_test
