@@ -58,15 +58,12 @@ TEST(PremiseParser, Table) {
     Premise want;
   } rows[] = {
       {"12", number(12)},
-      {"0012", number(12)},
       {"0", number(0)},
       {"2147483647", number(INT32_MAX)},
       {"2147483648", number(INT32_MAX)},  // saturates like a 32-bit strtol
       {"99999999999999999999", number(INT32_MAX)},
       {"0000002147483646", number(2147483646)},
       {" 12", number(12)},
-      {"#12", number(12)},
-      {"a12", number(12)},
       {"--0042", number(42)},
       {"\xc1"
        "12",
@@ -83,9 +80,7 @@ TEST(PremiseParser, Table) {
       {"-ab Z", ok(90, 'A', 0, ' ')},
       {"12-14", ok(12, 'N', 14, 'N')},
       {"12.5", ok(12, 'N', 5, 'N')},
-      {"12,14", ok(12, 'N', 14, 'N')},
       {"12 - 14", ok(12, 'N', 14, 'N')},
-      {"12\t14", ok(12, 'N', 14, 'N')},
       {"1\x1b"
        "2",
        ok(1, 'N', 2, 'N')},
@@ -94,7 +89,6 @@ TEST(PremiseParser, Table) {
       {"12345678 1234", free_text(1474973441)},
       {"12 1/2", ok(12, 'N', 3, 'F')},
       {"12 5/8", ok(12, 'N', 0, ' ')},  // unknown fraction: number only
-      {"12 2/4", ok(12, 'N', 0, ' ')},
       {"12 0/0", ok(12, 'N', 0, ' ')},
       {"12345678 1/2", free_text(-506955007)},
       {"12 10/3", free_text(56232749)},
