@@ -1,7 +1,5 @@
-// Candidate comparison of one reference record with the prepared input:
-// premise number and side, the record's bounds, the floor and unit check,
-// building names, the reference code, and the effect on wk_premrc that later
-// candidates see.
+// Candidate comparison (hk_mcte) of one reference record with the prepared
+// input: numbers and sides, floors and units, buildings, reference code.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -53,9 +51,8 @@ const ReferenceRecord kFlat1To10{"1", "10", "FLAT", "", "", ""};
 const ReferenceRecord kBlankWord1To10{"1", "10", " UNIT", "", "", ""};
 const ReferenceRecord kNoWord1To10{"1", "10", "", "", "", ""};
 
-// Premise number, side, bounds and the floor/unit check: accepted with +2
-// from the range test (+4 more from the unit check, +2 more when a room
-// number is tested twice), 3 on a number rejection.
+// Numbers, sides, bounds and the unit check: +2 per range test, +4 from the
+// unit check; code 3 on a number rejection.
 TEST(CompareNumbers, Table) {
   struct Row {
     const ReferenceRecord *ref;
@@ -115,8 +112,7 @@ TEST(CompareNumbers, Table) {
   }
 }
 
-// Building names, with input premise number 5 in 1-99: same name +6,
-// likeness 99 +5 with a penalty, 91 +3 with a penalty; others reject (4).
+// Buildings: likeness 100 +6, 99 +5 and 91 +3 with a penalty, others 4.
 TEST(CompareBuilding, Table) {
   struct Row {
     const char *record, *input;
@@ -173,8 +169,7 @@ TEST(CompareRefcode, EqualAddsSixDifferentCostsSix) {
   EXPECT_EQ(compare(ref, InputRecord().premno("5")), (Result{0, 102, 0}));
 }
 
-// A street score below 100 costs one penalty, and penalties add up with the
-// building's and the reference code's.
+// A street score below 100 costs a penalty; penalties add up.
 TEST(CompareRefcode, StreetScorePenaltyAddsUp) {
   HKBASEREC rec = ReferenceRecord{"1", "99", "", "", "K01", ""}.build();
   HKWORKREC work = InputRecord().premno("5").prepared();
@@ -211,8 +206,7 @@ TEST(CompareNumbers, LowBoundCheckIsNeededForTheTableRow) {
             1);
 }
 
-// The floor scan stops at two blanks (only reachable with a hand-made unit
-// line, as preparation collapses blank runs).
+// The floor scan stops at two blanks (preparation never leaves two).
 TEST(CompareNumbers, TwoBlanksEndTheFloorScan) {
   HKWORKREC work = InputRecord().prepared();
   std::strcpy(work.wk_unit, "A  12/F");
@@ -221,9 +215,7 @@ TEST(CompareNumbers, TwoBlanksEndTheFloorScan) {
   EXPECT_EQ(compare(kFloorShop1To20.build(), work), (Result{0, 106, 0}));
 }
 
-// The unit check leaves its parser result in the work record: a floor found
-// sets 0; a 2 (nothing left) makes the input number serve both sides for
-// every later candidate.
+// The unit check leaves its parser result in wk_premrc for later candidates.
 TEST(CompareNumbers, LaterCandidatesSeeTheChangedParserResult) {
   HKWORKREC floor = InputRecord().unit("12/F FLAT A").prepared();
   ASSERT_EQ(floor.wk_premrc, 2);
@@ -238,8 +230,7 @@ TEST(CompareNumbers, LaterCandidatesSeeTheChangedParserResult) {
   EXPECT_EQ(compare(kOdd11To21.build(), work), (Result{0, 102, 0}));
 }
 
-// Any record the unpacker can produce against any input gives a result in
-// the defined range, and wk_premrc stays 0 or 2.
+// Any record against any input gives a result in the defined range.
 TEST(CompareAnyRecord, GivesADefinedResult) {
   std::mt19937 rng(4242);
   const std::vector<std::string> numbers = {

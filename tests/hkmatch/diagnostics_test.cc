@@ -1,6 +1,4 @@
-// Listings and extract records of the address search, byte for byte: the
-// routines that format one record, and the outputs that a search writes in
-// each listing and extract mode.
+// Listings and extract records of the search, byte for byte.
 #include "hkmatch/diagnostics.h"
 
 #include <gtest/gtest.h>
@@ -184,8 +182,7 @@ std::string untouched() {
   return out;
 }
 
-// Listing mode 1 describes every compared record on standard error: the
-// accepted one with its score, the rejected ones (number, building) without.
+// Listing mode 1 describes every compared record on standard error.
 TEST(SearchListing, ModeOneDescribesEveryComparedRecord) {
   TestDb db(kCsv);
   Geocoder g(db, "Y");
@@ -223,9 +220,7 @@ TEST(SearchListing, ModeTwoListsTheStreetTableAndSearchesNothing) {
   }
 }
 
-// Listing mode 3 fills the name list and summarises the accepted records and
-// those rejected on their building (not those rejected on their number);
-// the next street rewrites both areas.
+// Mode 3 lists names and summarises records not rejected on their number.
 TEST(SearchListing, ModeThreeListsNamesWithTheInitialAndAcceptedRecords) {
   TestDb db(kCsv);
   Geocoder g(db, "3");
@@ -262,9 +257,7 @@ TEST(SearchListing, ModeThreeKeepsTheFirst49Summaries) {
   EXPECT_EQ(g.reclist.substr(49 * 150), std::string(150, ' '));
 }
 
-// The street extract holds every street of each region searched, flushed
-// after the search; no result record is written and the last search's
-// state stays.
+// The street extract holds every street of each region, flushed at once.
 TEST(SearchExtract, StreetExtractHoldsEveryStreetOfTheRegion) {
   TestDb db(kCsv);
   const std::string path = db.dir() + "/streets";
@@ -282,8 +275,7 @@ TEST(SearchExtract, StreetExtractHoldsEveryStreetOfTheRegion) {
             pad("DES VOEUX ROAD", 30) + "HK   ");
 }
 
-// The base record extract holds every record of the candidates, and nothing
-// is chosen.
+// The base record extract holds every candidate record; nothing is chosen.
 TEST(SearchExtract, BaseRecordExtractHoldsEveryRecordOfTheCandidates) {
   TestDb db(kCsv);
   const std::string path = db.dir() + "/records";

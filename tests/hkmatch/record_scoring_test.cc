@@ -1,6 +1,4 @@
-// Scoring and choice of base records: the choice rules on records scored by
-// hand (threshold, fewer penalties, ties), then the same rules end to end
-// through hk_mpro on databases whose records score as the rules need.
+// Choice of base records: the rules on hand-scored records, then end to end.
 #include "hkmatch/record_scoring.h"
 
 #include <gtest/gtest.h>
@@ -78,8 +76,7 @@ TEST(ChooseRecord, Table) {
 
 // ---- End to end -------------------------------------------------------------
 
-// Two equal records: the same reference chooses the first (status 0), two
-// references are a tie (status 5, grade 9, nothing written).
+// Equal records: one reference chooses the first, two are a tie ('5').
 TEST(RecordChoice, EqualRecords) {
   TestDb same(
       "KLN,NATHAN ROAD,K01,00001,,,,10,,20,,FIRST\n"
@@ -135,8 +132,7 @@ TEST(RecordChoice, PenaltiesEndToEnd) {
   }
 }
 
-// A building rejection outranks number rejections in the status ('4'), and
-// an accepted record keeps status 0 over later rejections.
+// A building rejection outranks number rejections; an acceptance both.
 TEST(RecordChoice, StatusOfRejections) {
   const std::string building =
       "KLN,NATHAN ROAD,K01,00002,OCEAN CENTRE,,,10,,20,,\n";

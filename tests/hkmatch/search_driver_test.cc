@@ -1,7 +1,5 @@
-// The address search end to end: prepared records searched with hk_mpro on
-// small reference databases written for each test, in file and in memory
-// mode; regions, passes, reuse of the previous search, the caches, and the
-// instance's state after a search that found nothing.
+// The address search end to end (hk_mpro) on small databases, in file and
+// in memory mode: regions, passes, reuse, caches and the state left behind.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -58,9 +56,8 @@ INSTANTIATE_TEST_SUITE_P(Modes, Search, ::testing::Values("-", "M"),
                                                                    : "File");
                          });
 
-// Searches that choose nothing: the value, status and state they leave, and
-// whether the next search must load the street table again (the last key
-// is forgotten when there was no key or no such region).
+// Searches that choose nothing: status, state left, and whether the next
+// search reloads the street table (no key or no such region forgets it).
 TEST_P(Search, SearchesThatChooseNothing) {
   const struct {
     Address a;
@@ -176,8 +173,7 @@ TEST_P(Search, ReuseAndRegionCache) {
   }
 }
 
-// After a search that did not choose in its first pass the candidates are
-// rebuilt, though the table and the street's cached records serve them.
+// After a search settled in the fuzzy pass the candidates are rebuilt.
 TEST_P(Search, NoReuseAfterASearchThatDidNotChooseInItsFirstPass) {
   TestDb db(kCsv);
   Geocoder g(db, options());
@@ -191,8 +187,7 @@ TEST_P(Search, NoReuseAfterASearchThatDidNotChooseInItsFirstPass) {
   EXPECT_EQ(w.unpacks(), 0u);
 }
 
-// Under the cache ceiling (per region) a block that fits is kept, records
-// that do not are unpacked again, and a block that does not is read again.
+// Under the per-region cache ceiling only what fits is kept.
 TEST_P(Search, CacheCeilingKeepsBlocksAndRecordsThatFitOnly) {
   TestDb db(kCsv);
   Geocoder g(db, options());
@@ -231,8 +226,8 @@ int32_t street_score(const std::string &a, const std::string &b) {
   return m_street(pa.c_str(), pb.c_str(), 31, nullptr);
 }
 
-// A typo, an abbreviation or a missing apostrophe (likeness 90 to 99) is
-// found in the second pass with a penalty; pass option 1 has no such pass.
+// Close names (likeness 90-99) are found in the second pass, with a penalty;
+// pass option 1 has no second pass.
 TEST(FuzzyPass, SecondPassFindsCloseStreets) {
   const struct {
     const char *region, *input, *reference;
@@ -273,8 +268,7 @@ TEST(FuzzyPass, StreetTypeWordAdmitsEveryNameWithItsInitial) {
   EXPECT_EQ(g.search({"KLN", "SX JOHNS ROAD", "12"}).matchstat(), '2');
 }
 
-// Names that begin with "PO BOX " are never compared in the fuzzy pass, not
-// even with themselves; a name that is just "PO BOX" is.
+// The fuzzy pass skips names beginning "PO BOX ", but not "PO BOX" itself.
 TEST(FuzzyPass, PostBoxNamesAreSkipped) {
   ASSERT_GE(street_score("PO BOXES 123", "PO BOX 123"), 90);
   TestDb db(
@@ -294,8 +288,7 @@ constexpr const char *kEastCsv =
     "KLN,NATHAN ROAD,K01,00002,OCEAN CENTRE,,,1,,99,,\n"
     "KLN,NATHAN ROAD EAST,K01,00009,,,,1,,99,,\n";
 
-// An exact street stops the search after the first pass unless the pass
-// option is 2; then both streets are candidates of the second pass.
+// An exact street ends the search after the first pass unless pass option 2.
 TEST(FuzzyPass, ExactStreetStopsTheSecondPassUnlessPassOptionIsTwo) {
   ASSERT_EQ(street_score("NATHAN ROAD", "NATHAN ROAD EAST"), 90);
   TestDb db(kEastCsv);
@@ -317,9 +310,8 @@ TEST(FuzzyPass, ExactStreetStopsTheSecondPassUnlessPassOptionIsTwo) {
   EXPECT_EQ(listing.reclist.substr(150), std::string(7350, ' '));
 }
 
-// A table out of the order of initials is scanned from its first entry,
-// and the scan ends at the first name whose initial sorts after the
-// input's, as it would without the shortcut.
+// A table out of initial order is scanned from its start and the scan ends
+// at the first name whose initial sorts after the input's.
 TEST(FuzzyPass, TableOutOfOrderIsScannedFromItsStart) {
   TestDb db(kCsv);
   {
@@ -344,10 +336,8 @@ TEST(FuzzyPass, TableOutOfOrderIsScannedFromItsStart) {
   EXPECT_EQ(g.search({"KLN", "SHANGHAI STRET", "7"}).refid(), "00030");
 }
 
-// The threshold on a fuzzy street of score 92: a record without a number
-// against an input without one and another reference code scores 94 (mean
-// 93, chosen); against an input with a number 93 (mean 92.5, status '0'
-// turned into '4').
+// On a fuzzy street of score 92, a record scoring 94 (mean 93) is chosen and
+// one scoring 93 (mean 92.5) is not: status '0' becomes '4'.
 TEST(FuzzyPass, MeanOf93IsChosenAndOf92Point5IsNot) {
   ASSERT_EQ(street_score("NATHAN RAOD", "NATHAN ROAD"), 92);
   ASSERT_EQ(street_score("ARGYLE STRET", "ARGYLE STREET"), 92);

@@ -53,9 +53,8 @@ void expect_error(const Outcome &o, char code, const HKMCB *mcb) {
   EXPECT_EQ(mcb->laststat, 2);  // nothing of it may be reused
 }
 
-// Fails each allocation of a walk in turn (table, candidates, caches, reuse,
-// region cache, new region) on a fresh instance: the step that meets it
-// answers '3', earlier steps answer right, and then every step does again.
+// Each allocation of a walk fails in turn: that step answers '3', and the
+// instance then answers every step right.
 TEST_P(Errors, EveryAllocationOfTheSearchCanFailWith3) {
   const struct {
     Address a;
@@ -99,8 +98,7 @@ TEST_P(Errors, EveryAllocationOfTheSearchCanFailWith3) {
   }
 }
 
-// In street extract mode every street is a candidate: 1200 of them make the
-// candidate list grow past its first 1000 entries, which can fail too.
+// 1200 streets in street extract mode grow the candidate list past 1000.
 TEST(ExtractErrors, GrowingTheCandidateListCanFailWith3) {
   std::string csv;
   for (int i = 0; i < 1200; ++i) {
@@ -125,8 +123,7 @@ TEST(ExtractErrors, GrowingTheCandidateListCanFailWith3) {
   }
 }
 
-// KLN answers '4' on every try (its table is never kept: read again, last
-// key forgotten) while HK keeps working.
+// KLN answers '4' on every try (its table never kept) while HK works.
 void expect_region_damaged(Geocoder &g) {
   for (int i = 0; i < 2; ++i) {
     const orlo::AccessCounters before = orlo::access_counters();
@@ -138,8 +135,7 @@ void expect_region_damaged(Geocoder &g) {
   }
 }
 
-// NATHAN ROAD answers '5' on every try; the other streets of its region keep
-// working and no half-made cache of its records stays behind.
+// NATHAN ROAD answers '5' on every try, leaving no half-made record cache.
 void expect_street_damaged(Geocoder &g) {
   for (int i = 0; i < 2; ++i) {
     expect_error(g.search({"KLN", "NATHAN ROAD", "12"}), '5', g.mcb());
@@ -154,8 +150,7 @@ void expect_street_damaged(Geocoder &g) {
   }
 }
 
-// Sets the big-endian number of `bytes` at offset `at` of `file` to `value`,
-// or adds `value` to it.
+// Sets (or adds to) the big-endian number at offset `at` of `file`.
 enum How { kSet, kAdd };
 void patch(const std::string &file, size_t at, int bytes, int64_t value,
            How how = kSet) {
@@ -233,8 +228,7 @@ TEST_P(Errors, DamagedFiles) {
   }
 }
 
-// Open refuses an index whose segments lie outside LEVEL2; the search checks
-// again, for an entry changed in memory here.
+// The search checks segment bounds again (open already refuses them).
 TEST_P(Errors, SegmentOutsideLevel2Answers4) {
   TestDb db(kCsv);
   Geocoder g(db, GetParam());
