@@ -121,12 +121,6 @@ TEST(PrepareTextFields, EachFieldIsJustifiedIntoItsPlace) {
   EXPECT_STREQ(w.wk_unit, "");
   EXPECT_EQ(w.wk_mode, '3');
   expect_well_formed(w);
-
-  const HKWORKREC blank = prepare(InputRecord().data());
-  EXPECT_STREQ(blank.wk_street, "");
-  EXPECT_EQ(blank.wk_premrc, 2);
-  EXPECT_EQ(blank.wk_mode, ' ');
-  expect_well_formed(blank);
 }
 
 // The unit line joins its two pieces: a full first piece runs straight into

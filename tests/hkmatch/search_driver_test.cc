@@ -2,7 +2,6 @@
 // in memory mode: regions, passes, reuse, caches and the state left behind.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 
 #include "hkmatch/reference_access.h"

@@ -5,7 +5,6 @@
 
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "hkmatch/reference_access.h"
 #include "hkmatch/search_alloc.h"
