@@ -1,6 +1,4 @@
-// Listings and extract records of the address search, byte for byte: the
-// routines that format one record, and the outputs that a search writes in
-// each listing and extract mode.
+// Listings and extract records of the search, byte for byte.
 #include "hkmatch/diagnostics.h"
 
 #include <gtest/gtest.h>
@@ -15,9 +13,12 @@
 
 namespace {
 
+using orlo::testing::Geocoder;
+using orlo::testing::Outcome;
 using orlo::testing::pad;
-
+using orlo::testing::read_file;
 using orlo::testing::set_text;
+using orlo::testing::TestDb;
 
 HKBASEREC sample_record() {
   HKBASEREC r;
@@ -39,7 +40,7 @@ HKBASEREC sample_record() {
   return r;
 }
 
-STREETENT street(const char *name) {
+STREETENT street(const std::string &name) {
   STREETENT e;
   std::memset(&e, 0, sizeof e);
   set_text(e.sname, name);
@@ -54,66 +55,57 @@ std::string written(Fn fn) {
   std::fflush(f);
   std::string bytes(static_cast<size_t>(std::ftell(f)), '\0');
   std::rewind(f);
-  size_t n = std::fread(bytes.data(), 1, bytes.size(), f);
+  bytes.resize(std::fread(bytes.data(), 1, bytes.size(), f));
   std::fclose(f);
-  bytes.resize(n);
   return bytes;
 }
 
-std::string summary(const HKBASEREC &r, const STREETENT &e) {
+std::string summary(const HKBASEREC &r) {
   std::string slot(150, '#');
+  const STREETENT e = street("NATHAN ROAD");
   hk_dsus(&r, &e, nullptr, nullptr, slot.data());
   return slot;
 }
 
-TEST(RecordSummary, EmptyFieldsLeaveBlanks) {
+std::string base_extract(const HKBASEREC &r) {
+  const STREETENT e = street("NATHAN ROAD");
+  return written([&](FILE *f) { orlo::write_base_extract(f, r, e); });
+}
+
+// Empty fields leave blanks. Field 9 keeps four characters but has three
+// places: the fourth is covered by the field written after it (the address
+// text in a summary, the code in an extract) and shows only without it.
+TEST(RecordFormat, EmptyFieldsAndTheFourthCharacterOfField9) {
   HKBASEREC r = sample_record();
   set_text(r.bbldg, "");
   set_text(r.bparity, "");
-  std::string slot = summary(r, street("NATHAN ROAD"));
+  set_text(r.bfld9, "ABCD");
+  std::string slot = summary(r);
   EXPECT_EQ(slot.substr(38, 30), std::string(30, ' '));
   EXPECT_EQ(slot[68], ' ');
-}
-
-// Field 9 keeps four characters but has three places: the fourth runs into
-// the address text, which is written after it and covers it.
-TEST(RecordSummary, LongerFieldIsCoveredByTheNextOne) {
-  HKBASEREC r = sample_record();
-  set_text(r.bfld9, "ABCD");
-  std::string slot = summary(r, street("NATHAN ROAD"));
   EXPECT_EQ(slot.substr(103, 4), "ABC1");
+  const std::string extract = base_extract(r);
+  EXPECT_EQ(extract.substr(30, 30), std::string(30, ' '));
+  EXPECT_EQ(extract.substr(95, 6), "ABCK01");
   set_text(r.baddr, "");
-  slot = summary(r, street("NATHAN ROAD"));
+  slot = summary(r);
   EXPECT_EQ(slot.substr(103, 4), "ABCD");
   EXPECT_EQ(slot.substr(107), std::string(43, ' '));
 }
 
-std::string base_extract(const HKBASEREC &r, const STREETENT &e) {
-  return written([&](FILE *f) { orlo::write_base_extract(f, r, e); });
-}
-
-TEST(BaseRecordExtract, SideIsEvenOddOrBoth) {
+// The extract shows the side as E, O, or B for anything else.
+TEST(RecordFormat, ExtractSideIsEvenOddOrBoth) {
   HKBASEREC r = sample_record();
-  const STREETENT e = street("NATHAN ROAD");
   for (auto [side, shown] :
        {std::pair{'E', 'E'}, std::pair{'O', 'O'}, std::pair{'B', 'B'},
         std::pair{'X', 'B'}, std::pair{'\0', 'B'}}) {
     r.bside = side;
-    EXPECT_EQ(base_extract(r, e)[60], shown) << "bside " << int(side);
+    EXPECT_EQ(base_extract(r)[60], shown) << "bside " << int(side);
   }
 }
 
-TEST(BaseRecordExtract, FourthCharacterOfField9IsCoveredByTheCode) {
-  HKBASEREC r = sample_record();
-  set_text(r.bfld9, "ABCD");
-  EXPECT_EQ(base_extract(r, street("NATHAN ROAD")).substr(95, 6), "ABCK01");
-  set_text(r.bbldg, "");
-  EXPECT_EQ(base_extract(r, street("NATHAN ROAD")).substr(30, 30),
-            std::string(30, ' '));
-}
-
-TEST(StreetExtract, NameAndFirstFiveCharactersOfTheRegion) {
-  std::string rec = written([](FILE *f) {
+TEST(RecordFormat, StreetExtractIsTheNameAndFiveCharactersOfTheRegion) {
+  const std::string rec = written([](FILE *f) {
     orlo::write_street_extract(f, "NATHAN ROAD", "KOWLOON EAST");
     orlo::write_street_extract(f, "", "HK");
   });
@@ -121,75 +113,60 @@ TEST(StreetExtract, NameAndFirstFiveCharactersOfTheRegion) {
             pad("NATHAN ROAD", 30) + "KOWLO" + std::string(30, ' ') + "HK   ");
 }
 
-std::string record_lines(const HKBASEREC &r, const STREETENT &e) {
-  ::testing::internal::CaptureStderr();
-  hk_disd(&r, &e, nullptr);
-  return ::testing::internal::GetCapturedStderr();
-}
-
-TEST(RecordLines, ShortIdentifierIsRightAlignedAndScoresKeepTheirSign) {
+// The listing right-aligns a short identifier and keeps the scores' signs.
+TEST(RecordFormat, RecordLinesAlignTheIdentifierAndSignTheScores) {
   HKBASEREC r = sample_record();
   set_text(r.brefid, "7");
   r.bscore = 100;
   r.bmscore = -4;
   r.bpen = 12;
-  std::string lines = record_lines(r, street("NATHAN ROAD"));
+  const STREETENT e = street("NATHAN ROAD");
+  ::testing::internal::CaptureStderr();
+  hk_disd(&r, &e, nullptr);
+  const std::string lines = ::testing::internal::GetCapturedStderr();
   EXPECT_NE(lines.find("\nK01     7 GOLDEN TOWER"), std::string::npos);
   EXPECT_EQ(lines.substr(lines.size() - 13), "100 -004 012\n");
 }
 
-// A table of streets made by hand, for the name list.
-struct Table {
-  std::vector<STREETENT> entries;
-  HKMCB mcb;
-  explicit Table(const std::vector<std::string> &names) {
-    for (const std::string &n : names) entries.push_back(street(n.c_str()));
+// The name list holds, in table order, the names with the input's initial
+// (an empty input: names beginning with a blank, and empty names as blank
+// slots), up to 999 of them.
+TEST(NameList, NamesWithTheInputsInitialInTableOrder) {
+  const struct {
+    std::vector<std::string> names;
+    const char *input;
+    std::vector<std::string> listed;
+  } rows[] = {
+      {{"ARGYLE STREET", "NATHAN ROAD", "NGAU TAU KOK ROAD",
+        "A NAME OF EXACTLY THIRTY CHARS", "NULLAH ROAD"},
+       "NATHAN RD",
+       {"NATHAN ROAD", "NGAU TAU KOK ROAD", "NULLAH ROAD"}},
+      {{"ARGYLE STREET", "NATHAN ROAD", "A NAME OF EXACTLY THIRTY CHARS"},
+       "ANY",
+       {"ARGYLE STREET", "A NAME OF EXACTLY THIRTY CHARS"}},
+      {{"", " LEADING BLANK", "NATHAN ROAD", "", " SECOND"},
+       "",
+       {"", " LEADING BLANK", "", " SECOND"}},
+      {std::vector<std::string>(1200, "NATHAN ROAD"), "N",
+       std::vector<std::string>(999, "NATHAN ROAD")},
+  };
+  for (const auto &r : rows) {
+    SCOPED_TRACE(r.input);
+    std::vector<STREETENT> entries;
+    for (const std::string &n : r.names) entries.push_back(street(n));
+    HKMCB mcb;
     std::memset(&mcb, 0, sizeof mcb);
     mcb.lvl2tab = entries.data();
     mcb.lvl2cnt = static_cast<uint16_t>(entries.size());
+    std::string list(30000, ' ');
+    orlo::fill_name_list(mcb, r.input, list.data());
+    std::string slots;
+    for (const std::string &n : r.listed) slots += pad(n, 30);
+    EXPECT_EQ(list, pad(slots, 30000));
   }
-};
-
-TEST(NameList, NamesWithTheInputsInitialInTableOrder) {
-  Table t({"ARGYLE STREET", "NATHAN ROAD", "NGAU TAU KOK ROAD",
-           "A NAME OF EXACTLY THIRTY CHARS", "NULLAH ROAD"});
-  std::string list(30000, ' ');
-  orlo::fill_name_list(t.mcb, "NATHAN RD", list.data());
-  EXPECT_EQ(list, pad(pad("NATHAN ROAD", 30) + pad("NGAU TAU KOK ROAD", 30) +
-                          "NULLAH ROAD",
-                      30000));
-  list.assign(30000, ' ');
-  orlo::fill_name_list(t.mcb, "ANY", list.data());
-  EXPECT_EQ(list.substr(0, 60),
-            pad("ARGYLE STREET", 30) + "A NAME OF EXACTLY THIRTY CHARS");
-}
-
-// An empty input street lists the names that begin with a blank, and the
-// empty names as blank slots, which push the later names on.
-TEST(NameList, EmptyStreetListsEmptyNamesAsBlankSlots) {
-  Table t({"", " LEADING BLANK", "NATHAN ROAD", "", " SECOND"});
-  std::string list(30000, ' ');
-  orlo::fill_name_list(t.mcb, "", list.data());
-  EXPECT_EQ(list, pad(pad("", 30) + pad(" LEADING BLANK", 30) + pad("", 30) +
-                          " SECOND",
-                      30000));
-}
-
-TEST(NameList, HoldsAt999Names) {
-  Table full(std::vector<std::string>(1200, "NATHAN ROAD"));
-  std::string list(30000, ' ');
-  orlo::fill_name_list(full.mcb, "N", list.data());
-  std::string slots;
-  for (int i = 0; i < 999; ++i) slots += pad("NATHAN ROAD", 30);
-  EXPECT_EQ(list, pad(slots, 30000));
 }
 
 // ---- What a search writes in each mode -----------------------------------
-
-using orlo::testing::Geocoder;
-using orlo::testing::Outcome;
-using orlo::testing::read_file;
-using orlo::testing::TestDb;
 
 constexpr const char *kCsv =
     "HK,DES VOEUX ROAD,H01,00011,,,,1,,99,,\n"
@@ -205,36 +182,37 @@ std::string untouched() {
   return out;
 }
 
+// Listing mode 1 describes every compared record on standard error.
 TEST(SearchListing, ModeOneDescribesEveryComparedRecord) {
   TestDb db(kCsv);
   Geocoder g(db, "Y");
   ::testing::internal::CaptureStderr();
-  Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
-  std::string lines = ::testing::internal::GetCapturedStderr();
+  const Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
+  const std::string lines = ::testing::internal::GetCapturedStderr();
   EXPECT_EQ(o.refid(), "00001");
-  std::string stars = std::string(49, '*') + "\n";
-  std::string street = pad("NATHAN ROAD", 30) + "\n";
-  std::string expected =
-      stars + street + pad("10-20 NATHAN ROAD", 30) + "\n" + "K01 00001 " +
-      pad("", 30) + " \n" + "10     20     E  " + pad("", 12) + " " +
-      pad("", 12) + " " + std::string(28, ' ') + "XY \n" + "100 102 000\n" +
-      // Rejected on its number: no score.
-      stars + street + pad("", 30) + "\n" + "K01 00002 " + pad("", 30) + " \n" +
-      "21     40        " + pad("", 12) + " " + pad("", 12) + " " +
-      std::string(30, ' ') + " \n" + "100 000 000\n" +
-      // Rejected on its building.
-      stars + street + pad("", 30) + "\n" + "K01 00003 " +
-      pad("OCEAN CENTRE", 30) + " \n" + "1      99        " + pad("UNIT", 12) +
-      " " + pad("", 12) + " " + std::string(30, ' ') + " \n" + "100 000 000\n";
+  const std::string head =
+      std::string(49, '*') + "\n" + pad("NATHAN ROAD", 30) + "\n";
+  const std::string blank12 = pad("", 12) + " " + pad("", 12) + " ";
+  const std::string expected =
+      head + pad("10-20 NATHAN ROAD", 30) + "\n" + "K01 00001 " + pad("", 30) +
+      " \n" + "10     20     E  " + blank12 + std::string(28, ' ') + "XY \n" +
+      "100 102 000\n" +  //
+      head + pad("", 30) + "\n" + "K01 00002 " + pad("", 30) + " \n" +
+      "21     40        " + blank12 + std::string(30, ' ') + " \n" +
+      "100 000 000\n" +  //
+      head + pad("", 30) + "\n" + "K01 00003 " + pad("OCEAN CENTRE", 30) +
+      " \n" + "1      99        " + pad("UNIT", 12) + " " + pad("", 12) + " " +
+      std::string(30, ' ') + " \n" + "100 000 000\n";
   EXPECT_EQ(lines, expected);
 }
 
+// Listing mode 2 lists the street table, every time, and searches nothing.
 TEST(SearchListing, ModeTwoListsTheStreetTableAndSearchesNothing) {
   TestDb db(kCsv);
   Geocoder g(db, "2");
   for (int i = 0; i < 2; ++i) {
     ::testing::internal::CaptureStderr();
-    Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
+    const Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "ARGYLE STREET\nNATHAN ROAD\nSHANGHAI STREET\n");
     EXPECT_EQ(o.ret, 0);
@@ -242,31 +220,29 @@ TEST(SearchListing, ModeTwoListsTheStreetTableAndSearchesNothing) {
   }
 }
 
+// Mode 3 lists names and summarises records not rejected on their number.
 TEST(SearchListing, ModeThreeListsNamesWithTheInitialAndAcceptedRecords) {
   TestDb db(kCsv);
   Geocoder g(db, "3");
-  Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
-  EXPECT_EQ(o.refid(), "00001");
+  EXPECT_EQ(g.search({"KLN", "NATHAN ROAD", "12"}).refid(), "00001");
   EXPECT_EQ(g.namelist, pad("NATHAN ROAD", 30000));
-  // Record 1 was accepted, record 2 rejected on its number (not listed),
-  // record 3 rejected on its building (listed).
-  std::string first = "K0100001" + pad("NATHAN ROAD", 30) + pad("", 30) + "E" +
-                      pad("", 12) + pad("10", 5) + pad("", 12) + pad("20", 5) +
-                      "XY " + pad("10-20 NATHAN ROAD", 30) +
-                      std::string(14, ' ');
-  std::string third = "K0100003" + pad("NATHAN ROAD", 30) +
-                      pad("OCEAN CENTRE", 30) + " " + pad("UNIT", 12) +
-                      pad("1", 5) + pad("", 12) + pad("99", 5) + "   " +
-                      pad("", 30) + std::string(14, ' ');
+  const std::string first = "K0100001" + pad("NATHAN ROAD", 30) + pad("", 30) +
+                            "E" + pad("", 12) + pad("10", 5) + pad("", 12) +
+                            pad("20", 5) + "XY " +
+                            pad("10-20 NATHAN ROAD", 30) + std::string(14, ' ');
+  const std::string third = "K0100003" + pad("NATHAN ROAD", 30) +
+                            pad("OCEAN CENTRE", 30) + " " + pad("UNIT", 12) +
+                            pad("1", 5) + pad("", 12) + pad("99", 5) + "   " +
+                            pad("", 30) + std::string(14, ' ');
   EXPECT_EQ(g.reclist, pad(first + third, 7500));
 
-  // Another street of the same region: both areas are rewritten.
   g.search({"KLN", "SHANGHAI STREET", "12"});
   EXPECT_EQ(g.namelist, pad(pad("SHANGHAI STREET", 30), 30000));
   EXPECT_EQ(g.reclist.substr(0, 8), "K0300030");
   EXPECT_EQ(g.reclist.substr(150), std::string(7350, ' '));
 }
 
+// The record list has room for 49 summaries; later ones are dropped.
 TEST(SearchListing, ModeThreeKeepsTheFirst49Summaries) {
   std::string csv;
   for (int i = 0; i < 60; ++i) {
@@ -274,24 +250,23 @@ TEST(SearchListing, ModeThreeKeepsTheFirst49Summaries) {
   }
   TestDb db(csv);
   Geocoder g(db, "3");
-  Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
-  EXPECT_EQ(o.matchstat(), '5');
+  EXPECT_EQ(g.search({"KLN", "NATHAN ROAD", "12"}).matchstat(), '5');
   for (int s = 0; s < 49; ++s) {
     EXPECT_EQ(g.reclist.substr(s * 150, 8), "K01" + std::to_string(10000 + s));
   }
   EXPECT_EQ(g.reclist.substr(49 * 150), std::string(150, ' '));
 }
 
+// The street extract holds every street of each region, flushed at once.
 TEST(SearchExtract, StreetExtractHoldsEveryStreetOfTheRegion) {
   TestDb db(kCsv);
-  std::string path = db.dir() + "/streets";
+  const std::string path = db.dir() + "/streets";
   Geocoder g(db, "W" + path);
   ASSERT_TRUE(g.opened());
-  Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
+  const Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
   EXPECT_EQ(o.ret, 0);
-  EXPECT_EQ(o.out, untouched());   // no result record is written
-  EXPECT_EQ(g.mcb()->lastcnt, 0);  // and the state of the last search stays
-  // Flushed after the search: readable while the instance is open.
+  EXPECT_EQ(o.out, untouched());
+  EXPECT_EQ(g.mcb()->lastcnt, 0);
   EXPECT_EQ(read_file(path), pad("ARGYLE STREET", 30) + "KLN  " +
                                  pad("NATHAN ROAD", 30) + "KLN  " +
                                  pad("SHANGHAI STREET", 30) + "KLN  ");
@@ -300,23 +275,25 @@ TEST(SearchExtract, StreetExtractHoldsEveryStreetOfTheRegion) {
             pad("DES VOEUX ROAD", 30) + "HK   ");
 }
 
+// The base record extract holds every candidate record; nothing is chosen.
 TEST(SearchExtract, BaseRecordExtractHoldsEveryRecordOfTheCandidates) {
   TestDb db(kCsv);
-  std::string path = db.dir() + "/records";
+  const std::string path = db.dir() + "/records";
   Geocoder g(db, "X" + path);
   ASSERT_TRUE(g.opened());
-  Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
+  const Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
   EXPECT_EQ(o.ret, 0);
-  EXPECT_EQ(o.retcode(), '0');  // nothing is chosen in this mode
+  EXPECT_EQ(o.retcode(), '0');
   EXPECT_EQ(o.refid(), "");
-  std::string name = pad("NATHAN ROAD", 30);
-  std::string expected =
-      name + pad("", 30) + "E" + pad("", 12) + pad("10", 5) + pad("", 12) +
-      pad("20", 5) + "XY " + "K01" + "00001" + pad("10-20 NATHAN ROAD", 30) +
-      name + pad("", 30) + "B" + pad("", 12) + pad("21", 5) + pad("", 12) +
-      pad("40", 5) + "   " + "K01" + "00002" + pad("", 30) + name +
-      pad("OCEAN CENTRE", 30) + "B" + pad("UNIT", 12) + pad("1", 5) +
-      pad("", 12) + pad("99", 5) + "   " + "K01" + "00003" + pad("", 30);
+  const std::string name = pad("NATHAN ROAD", 30);
+  const std::string blank = pad("", 30);
+  const std::string expected =
+      name + blank + "E" + pad("", 12) + pad("10", 5) + pad("", 12) +
+      pad("20", 5) + "XY K0100001" + pad("10-20 NATHAN ROAD", 30) +  //
+      name + blank + "B" + pad("", 12) + pad("21", 5) + pad("", 12) +
+      pad("40", 5) + "   K0100002" + blank +  //
+      name + pad("OCEAN CENTRE", 30) + "B" + pad("UNIT", 12) + pad("1", 5) +
+      pad("", 12) + pad("99", 5) + "   K0100003" + blank;
   EXPECT_EQ(read_file(path), expected);
 }
 

@@ -1,6 +1,7 @@
 // Input preparation: from the 200-byte input record to the prepared input.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <random>
@@ -20,198 +21,129 @@ HKWORKREC prepare(const char *inrec) {
   return work;
 }
 
-// ---- premise number -------------------------------------------------------
-
-TEST(PreparePremiseNumber, LeadingZerosGoAndTheNumberIsParsed) {
-  const HKWORKREC w = prepare(InputRecord().premno("00012A  ").data());
-  EXPECT_STREQ(w.wk_premno, "12A");
-  EXPECT_EQ(w.wk_premrc, 0);
-  EXPECT_EQ(w.wk_prem1, 12);
-  EXPECT_EQ(w.wk_prem1kind, 'N');
-  EXPECT_EQ(w.wk_prem2, 65);
-  EXPECT_EQ(w.wk_prem2kind, 'A');
+// What holds for every prepared input: each text is terminated, zero after
+// its terminator, without leading, trailing or doubled blanks; every byte
+// outside the fields is zero; the premise result is 0 or 2.
+void expect_well_formed(const HKWORKREC &w) {
+  std::vector<bool> used(sizeof w, false);
+  const auto mark = [&used](size_t off, size_t len) {
+    std::fill_n(used.begin() + static_cast<std::ptrdiff_t>(off), len, true);
+  };
+  const auto text = [&](const char *f, size_t off, size_t size, const char *n) {
+    mark(off, size);
+    const size_t len = strnlen(f, size);
+    ASSERT_LT(len, size) << n << " is not terminated";
+    const std::string s(f, len);
+    EXPECT_EQ(s.find("  "), std::string::npos) << n << ": " << s;
+    EXPECT_TRUE(s.empty() || (s.front() != ' ' && s.back() != ' ')) << n;
+    for (size_t i = len; i < size; ++i) EXPECT_EQ(f[i], '\0') << n << " " << i;
+  };
+#define ORLO_TEXT(f) text(w.f, offsetof(HKWORKREC, f), sizeof w.f, #f)
+#define ORLO_FIELD(f) mark(offsetof(HKWORKREC, f), sizeof w.f)
+  ORLO_TEXT(wk_premno);
+  ORLO_TEXT(wk_street);
+  ORLO_TEXT(wk_bldg);
+  ORLO_TEXT(wk_unit);
+  ORLO_TEXT(wk_extra);
+  ORLO_TEXT(wk_district);
+  ORLO_TEXT(wk_region);
+  ORLO_TEXT(wk_refcode);
+  ORLO_FIELD(wk_mode);
+  ORLO_FIELD(wk_premrc);
+  ORLO_FIELD(wk_prem1);
+  ORLO_FIELD(wk_prem1kind);
+  ORLO_FIELD(wk_prem2);
+  ORLO_FIELD(wk_prem2kind);
+#undef ORLO_TEXT
+#undef ORLO_FIELD
+  const auto *bytes = reinterpret_cast<const unsigned char *>(&w);
+  for (size_t i = 0; i < sizeof w; ++i) {
+    if (!used[i]) {
+      EXPECT_EQ(bytes[i], 0) << "unused byte " << i;
+    }
+  }
+  EXPECT_TRUE(w.wk_premrc == 0 || w.wk_premrc == 2) << w.wk_premrc;
 }
 
-TEST(PreparePremiseNumber, ZerosOnlyIsNoNumber) {
-  for (const char *zeros : {"0", "000", "00000000", "", "   "}) {
-    const HKWORKREC w = prepare(InputRecord().premno(zeros).data());
-    EXPECT_STREQ(w.wk_premno, "") << '"' << zeros << '"';
-    EXPECT_EQ(w.wk_premrc, 2) << zeros;
-    EXPECT_EQ(w.wk_prem1, 0) << zeros;
-    EXPECT_EQ(w.wk_prem1kind, ' ') << zeros;
-    EXPECT_EQ(w.wk_prem2, 0) << zeros;
-    EXPECT_EQ(w.wk_prem2kind, ' ') << zeros;
+// Leading zeros and blanks go (only those), then the number is parsed; a
+// number of zeros only is no number at all.
+TEST(PreparePremiseNumber, StripsLeadingZerosAndParses) {
+  struct Row {
+    const char *in, *text;
+    int32_t rc, v1;
+    char k1;
+    int32_t v2;
+    char k2;
+  };
+  const Row rows[] = {
+      {"00012A  ", "12A", 0, 12, 'N', 65, 'A'},
+      {" 012", "12", 0, 12, 'N', 0, ' '},
+      {"0120", "120", 0, 120, 'N', 0, ' '},
+      {"12  014", "12 014", 0, 12, 'N', 14, 'N'},
+      {"12345678", "12345678", 0, 12345678, 'N', 0, ' '},
+      {"0", "", 2, 0, ' ', 0, ' '},
+      {"00000000", "", 2, 0, ' ', 0, ' '},
+      {"", "", 2, 0, ' ', 0, ' '},
+      {"   ", "", 2, 0, ' ', 0, ' '},
+  };
+  for (const Row &r : rows) {
+    SCOPED_TRACE(std::string("premno \"") + r.in + "\"");
+    const HKWORKREC w = prepare(InputRecord().premno(r.in).data());
+    EXPECT_STREQ(w.wk_premno, r.text);
+    EXPECT_EQ(w.wk_premrc, r.rc);
+    EXPECT_EQ(w.wk_prem1, r.v1);
+    EXPECT_EQ(w.wk_prem1kind, r.k1);
+    EXPECT_EQ(w.wk_prem2, r.v2);
+    EXPECT_EQ(w.wk_prem2kind, r.k2);
+    expect_well_formed(w);
   }
 }
 
-TEST(PreparePremiseNumber, BlanksBeforeTheNumberGoBeforeTheZeros) {
-  EXPECT_STREQ(prepare(InputRecord().premno(" 012").data()).wk_premno, "12");
-  EXPECT_STREQ(prepare(InputRecord().premno("   0012").data()).wk_premno, "12");
-}
-
-TEST(PreparePremiseNumber, OnlyLeadingZerosAreRemoved) {
-  EXPECT_STREQ(prepare(InputRecord().premno("0120").data()).wk_premno, "120");
-  const HKWORKREC w = prepare(InputRecord().premno("12  014").data());
-  EXPECT_STREQ(w.wk_premno, "12 014");
-  EXPECT_EQ(w.wk_prem1, 12);
-  EXPECT_EQ(w.wk_prem2, 14);
-  EXPECT_EQ(w.wk_prem2kind, 'N');
-}
-
-TEST(PreparePremiseNumber, AFullFieldKeepsAllEightCharacters) {
-  const HKWORKREC w = prepare(InputRecord().premno("12345678").data());
-  EXPECT_STREQ(w.wk_premno, "12345678");
-  EXPECT_EQ(w.wk_prem1, 12345678);
-}
-
-// ---- text fields ----------------------------------------------------------
-
-TEST(PrepareTextFields, BlankRunsCollapseAndBlankFieldsAreEmpty) {
-  InputRecord in;
-  in.street("  NATHAN   ROAD").bldg("CHUNG  KING    MANSIONS");
-  const HKWORKREC w = prepare(in.data());
-  EXPECT_STREQ(w.wk_street, "NATHAN ROAD");
-  EXPECT_STREQ(w.wk_bldg, "CHUNG KING MANSIONS");
-  EXPECT_STREQ(w.wk_extra, "");
-  EXPECT_STREQ(w.wk_district, "");
-  EXPECT_STREQ(w.wk_region, "");
-  EXPECT_STREQ(w.wk_unit, "");
-  EXPECT_STREQ(w.wk_refcode, "");
-}
-
-TEST(PrepareTextFields, EachFieldGoesToItsOwnPlace) {
+// Each input field lands in its own place, justified, a full 30-character
+// field kept whole; blank fields are empty.
+TEST(PrepareTextFields, EachFieldIsJustifiedIntoItsPlace) {
+  const std::string full = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123";
   InputRecord in;
   in.refcode(" AB")
-      .street("S")
-      .bldg("B")
+      .street("  NATHAN   ROAD")
+      .bldg("CHUNG  KING    MANSIONS")
       .set(orlo::in::extra, "X")
-      .district("D")
+      .district(full)
       .region("KLN")
       .mode('3');
   const HKWORKREC w = prepare(in.data());
   EXPECT_STREQ(w.wk_refcode, "AB");
-  EXPECT_STREQ(w.wk_street, "S");
-  EXPECT_STREQ(w.wk_bldg, "B");
+  EXPECT_STREQ(w.wk_street, "NATHAN ROAD");
+  EXPECT_STREQ(w.wk_bldg, "CHUNG KING MANSIONS");
   EXPECT_STREQ(w.wk_extra, "X");
-  EXPECT_STREQ(w.wk_district, "D");
-  EXPECT_STREQ(w.wk_region, "KLN");
-  EXPECT_EQ(w.wk_mode, '3');
-}
-
-TEST(PrepareTextFields, FullThirtyCharacterFieldIsKept) {
-  const std::string full = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123";
-  const HKWORKREC w = prepare(InputRecord().district(full).data());
   EXPECT_EQ(std::string(w.wk_district), full);
+  EXPECT_STREQ(w.wk_region, "KLN");
+  EXPECT_STREQ(w.wk_unit, "");
+  EXPECT_EQ(w.wk_mode, '3');
+  expect_well_formed(w);
 }
 
+// The unit line joins its two pieces: a full first piece runs straight into
+// the second, otherwise one blank separates them.
 TEST(PrepareTextFields, UnitLineJoinsItsTwoPieces) {
-  InputRecord in;
-  in.unit("FLAT A 12/F BLOCK 3 TOWER").unitext("ONE  ");
-  EXPECT_STREQ(prepare(in.data()).wk_unit, "FLAT A 12/F BLOCK 3 TOWERONE");
-}
-
-TEST(PrepareTextFields, UnitLineTextOnlyInTheSecondPiece) {
-  EXPECT_STREQ(prepare(InputRecord().unitext("  G/F").data()).wk_unit, "G/F");
-  InputRecord in;
-  in.unit("FLAT B").unitext("3/F");
-  EXPECT_STREQ(prepare(in.data()).wk_unit, "FLAT B 3/F");
-}
-
-// ---- bytes that no field fills ----------------------------------------------
-
-// Marks the bytes of the structure that belong to some field.
-std::vector<bool> field_bytes() {
-  std::vector<bool> used(sizeof(HKWORKREC), false);
-  const auto mark = [&used](size_t off, size_t len) {
-    for (size_t i = off; i < off + len; ++i) used[i] = true;
+  const struct {
+    const char *unit, *unitext, *joined;
+  } rows[] = {
+      {"FLAT A 12/F BLOCK 3 TOWER", "ONE  ", "FLAT A 12/F BLOCK 3 TOWERONE"},
+      {"", "  G/F", "G/F"},
+      {"FLAT B", "3/F", "FLAT B 3/F"},
   };
-#define ORLO_MARK(f) mark(offsetof(HKWORKREC, f), sizeof(HKWORKREC::f))
-  ORLO_MARK(wk_premno);
-  ORLO_MARK(wk_street);
-  ORLO_MARK(wk_bldg);
-  ORLO_MARK(wk_unit);
-  ORLO_MARK(wk_extra);
-  ORLO_MARK(wk_district);
-  ORLO_MARK(wk_region);
-  ORLO_MARK(wk_refcode);
-  ORLO_MARK(wk_mode);
-  ORLO_MARK(wk_premrc);
-  ORLO_MARK(wk_prem1);
-  ORLO_MARK(wk_prem1kind);
-  ORLO_MARK(wk_prem2);
-  ORLO_MARK(wk_prem2kind);
-#undef ORLO_MARK
-  return used;
-}
-
-// After the terminator of a text field, every byte is zero.
-void expect_zero_after_text(const char *field, size_t size, const char *name) {
-  const size_t len = strnlen(field, size);
-  ASSERT_LT(len, size) << name << " is not terminated";
-  for (size_t i = len; i < size; ++i) {
-    EXPECT_EQ(field[i], '\0') << name << " byte " << i;
+  for (const auto &r : rows) {
+    InputRecord in;
+    in.unit(r.unit).unitext(r.unitext);
+    EXPECT_STREQ(prepare(in.data()).wk_unit, r.joined) << r.unit;
   }
 }
 
-#define ORLO_EXPECT_ZERO_AFTER(w, f) \
-  expect_zero_after_text((w).f, sizeof((w).f), #f)
-
-void expect_unused_bytes_zero(const HKWORKREC &w) {
-  const auto *bytes = reinterpret_cast<const unsigned char *>(&w);
-  const std::vector<bool> used = field_bytes();
-  for (size_t i = 0; i < sizeof w; ++i) {
-    if (!used[i]) {
-      EXPECT_EQ(bytes[i], 0) << "byte " << i;
-    }
-  }
-  ORLO_EXPECT_ZERO_AFTER(w, wk_premno);
-  ORLO_EXPECT_ZERO_AFTER(w, wk_street);
-  ORLO_EXPECT_ZERO_AFTER(w, wk_bldg);
-  ORLO_EXPECT_ZERO_AFTER(w, wk_unit);
-  ORLO_EXPECT_ZERO_AFTER(w, wk_extra);
-  ORLO_EXPECT_ZERO_AFTER(w, wk_district);
-  ORLO_EXPECT_ZERO_AFTER(w, wk_region);
-  ORLO_EXPECT_ZERO_AFTER(w, wk_refcode);
-}
-
-TEST(PrepareUnusedBytes, AreZero) {
-  InputRecord in;
-  in.premno("12").street("NATHAN ROAD").unit("FLAT A").region("HK");
-  const HKWORKREC w = prepare(in.data());
-  EXPECT_EQ(w.wk_unused[0], '\0');
-  EXPECT_EQ(w.wk_unused[1], '\0');
-  expect_unused_bytes_zero(w);
-}
-
-TEST(PrepareUnusedBytes, AreZeroForAnAllBlankRecord) {
-  const HKWORKREC w = prepare(InputRecord().data());
-  expect_unused_bytes_zero(w);
-  EXPECT_EQ(w.wk_premrc, 2);
-  EXPECT_EQ(w.wk_mode, ' ');
-}
-
-// ---- any 200 bytes
-// ------------------------------------------------------------
-
-// The text invariants: terminated, no leading blank, no blank run, no
-// trailing blank.
-void expect_tidy(const char *field, size_t size, const char *name) {
-  const size_t len = strnlen(field, size);
-  ASSERT_LT(len, size) << name;
-  const std::string text(field, len);
-  EXPECT_EQ(text.find("  "), std::string::npos) << name << ": " << text;
-  if (len > 0) {
-    EXPECT_NE(text.front(), ' ') << name;
-    EXPECT_NE(text.back(), ' ') << name;
-  }
-}
-
-#define ORLO_EXPECT_TIDY(w, f) expect_tidy((w).f, sizeof((w).f), #f)
-
-TEST(PrepareAnyBytes, GiveATidyRecordAndTheSameOneTwice) {
+// Any 200 bytes (random, high, control, NUL, blank-heavy) give a well-formed
+// record, and the same one when prepared twice.
+TEST(PrepareAnyBytes, GiveAWellFormedRecordAndTheSameOneTwice) {
   std::mt19937 rng(20260101);
-  // Byte pools: anything, high bytes, control characters and NULs, blanks
-  // with a few letters and zeros.
   const std::vector<std::string> pools = {
       "", std::string("\x80\xff\xa0 \xc4", 5), std::string("\0\t\n\r \x1b", 6),
       "  0A"};
@@ -223,16 +155,7 @@ TEST(PrepareAnyBytes, GiveATidyRecordAndTheSameOneTwice) {
                        : pool[rng() % pool.size()];
     }
     const HKWORKREC w = prepare(inrec);
-    ORLO_EXPECT_TIDY(w, wk_premno);
-    ORLO_EXPECT_TIDY(w, wk_street);
-    ORLO_EXPECT_TIDY(w, wk_bldg);
-    ORLO_EXPECT_TIDY(w, wk_unit);
-    ORLO_EXPECT_TIDY(w, wk_extra);
-    ORLO_EXPECT_TIDY(w, wk_district);
-    ORLO_EXPECT_TIDY(w, wk_region);
-    ORLO_EXPECT_TIDY(w, wk_refcode);
-    expect_unused_bytes_zero(w);
-    EXPECT_TRUE(w.wk_premrc == 0 || w.wk_premrc == 2) << w.wk_premrc;
+    expect_well_formed(w);
     EXPECT_EQ(w.wk_mode, inrec[HKIN_MODE_OFF]);
     HKWORKREC again;
     std::memset(&again, 0x55, sizeof again);
@@ -248,6 +171,7 @@ TEST(PrepareAnyBytes, ANulInsideAFieldEndsItsText) {
   EXPECT_STREQ(prepare(in.data()).wk_street, "MAIN");
 }
 
+// The control block argument is never dereferenced.
 TEST(PrepareControlBlock, IsNeverRead) {
   const InputRecord in = InputRecord().premno("7").street("QUEEN'S ROAD");
   HKWORKREC w;

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <ostream>
 #include <string>
 
 #include "orlo_matcher.h"
@@ -58,25 +57,9 @@ struct Case {
   int32_t score_change;
 };
 
-std::ostream &operator<<(std::ostream &os, const Case &c) {
-  return os << c.what;
-}
-
-class RangeTest : public ::testing::TestWithParam<Case> {};
-
-TEST_P(RangeTest, DecidesAndAdjustsScore) {
-  const Case &c = GetParam();
-  int32_t score = 100;
-  const int32_t result =
-      hk_mvir(c.in.v1, c.in.k1, c.in.v2, c.in.k2, c.side, c.low.v1, c.low.k1,
-              c.low.v2, c.low.k2, c.high.v1, c.high.k1, c.high.v2, c.high.k2,
-              &score, c.rside, 'B');
-  EXPECT_EQ(result, c.result);
-  EXPECT_EQ(score - 100, c.score_change);
-}
-
 // clang-format off
-const Case kPlainNumber[] = {
+const Case kCases[] = {
+  // A plain number.
   {"N: 13 in 11/21, both odd",            n(13), 'O', n(11), n(21), 'O', 1, 2},
   {"N: 11 at the low end",                n(11), 'O', n(11), n(21), 'O', 1, 2},
   {"N: 21 at the high end",               n(21), 'O', n(11), n(21), 'O', 1, 2},
@@ -100,9 +83,7 @@ const Case kPlainNumber[] = {
   {"N: NA/NA, the high end needs within", n(8), 'E', na(10, A), na(8, B), 'B', 0, 0},
   {"N: N./A. is not a listed shape",      n(5), 'O', n(1), a(A), 'B', 0, 0},
   {"N: NN/NN is not listed for N.",       n(5), 'O', nn(1, 2), nn(9, 9), 'B', 0, 0},
-};
-
-const Case kNumberPair[] = {
+  // A pair of numbers.
   {"NN: 12 14 in 10/20 of side B, accept 0", nn(12, 14), 'E', n(10), n(20), 'B', 1, 0},
   {"NN: N./N. sides differ",                 nn(12, 14), 'E', n(10), n(20), 'O', 0, 0},
   {"NN: N./N. outside",                      nn(22, 24), 'E', n(10), n(20), 'B', 0, 0},
@@ -119,9 +100,7 @@ const Case kNumberPair[] = {
   {"NN: NN/NN all four equal",               nn(10, 2), 'E', nn(10, 2), nn(10, 2), 'B', 1, 2},
   {"NN: NN/NN second outside",               nn(15, 6), 'B', nn(10, 1), nn(20, 5), 'B', 0, 0},
   {"NN: N./NA is not listed for NN",         nn(12, 14), 'E', n(10), na(20, A), 'B', 0, 0},
-};
-
-const Case kLetterSuffix[] = {
+  // A number with a letter suffix.
   {"NA: 12A in 12/14A",                na(12, A), 'E', n(12), na(14, A), 'B', 1, 2},
   {"NA: 12B beyond the high letter",   na(12, B), 'E', n(12), na(14, A), 'B', 0, 0},
   {"NA: 14A at the high of N./NA",     na(14, A), 'E', n(12), na(14, A), 'B', 1, 2},
@@ -139,9 +118,7 @@ const Case kLetterSuffix[] = {
   {"NA: NF/NF within gives 1",         na(12, A), 'E', nf(10, 1), nf(20, 3), 'B', 1, 1},
   {"NA: NF/N. within gives 1",         na(12, A), 'E', nf(10, 1), n(20), 'B', 1, 1},
   {"NA: N./N. outside",                na(22, A), 'E', n(10), n(20), 'B', 0, 0},
-};
-
-const Case kFraction[] = {
+  // A number with a fraction.
   {"NF: 12 1/2 against 10/12A",          nf(12, 3), 'E', n(10), na(12, A), 'B', 0, 0},
   {"NF: 11 1/2 against 10/12A",          nf(11, 3), 'O', n(10), na(12, A), 'B', 1, 2},
   {"NF: NA/N. excludes the high",        nf(12, 3), 'E', na(10, A), n(12), 'B', 0, 0},
@@ -156,9 +133,7 @@ const Case kFraction[] = {
   {"NF: NA/NA includes the high",        nf(20, 3), 'E', na(10, A), na(20, B), 'B', 1, 2},
   {"NF: N./N. within gives 1",           nf(15, 3), 'O', n(10), n(20), 'B', 1, 1},
   {"NF: N./N. sides differ",             nf(15, 3), 'O', n(10), n(20), 'E', 0, 0},
-};
-
-const Case kLetters[] = {
+  // Letters, and letters before a number.
   {"A: B in A/C",                     a(B), 'B', a(A), a(C), 'B', 1, 2},
   {"A: A below C/D",                  a(A), 'B', a(C), a(D), 'B', 0, 0},
   {"A: record without a number",      a(A), 'B', kNone, kNone, 'B', 0, 0},
@@ -169,9 +144,7 @@ const Case kLetters[] = {
   {"AN: A./A. gives 1",               an(B, 3), 'O', a(A), a(C), 'B', 1, 1},
   {"AN: A./A. sides differ",          an(B, 3), 'O', a(A), a(C), 'E', 0, 0},
   {"AN: record without a number",     an(B, 3), 'O', kNone, kNone, 'E', 1, -1},
-};
-
-const Case kGridAndFreeText[] = {
+  // Grid references and free text.
   {"GG: at the low corner",      gg(kNorth + 12, kEast + 5), 'O', gg(kNorth + 12, kEast + 5), gg(kNorth + 20, kEast + 9), 'B', 1, 2},
   {"GG: at the high corner",     gg(kNorth + 20, kEast + 9), 'O', gg(kNorth + 12, kEast + 5), gg(kNorth + 20, kEast + 9), 'B', 1, 2},
   {"GG: on a one-line range",    gg(kNorth + 12, kEast + 7), 'O', gg(kNorth + 12, kEast + 5), gg(kNorth + 12, kEast + 9), 'B', 1, 2},
@@ -183,9 +156,7 @@ const Case kGridAndFreeText[] = {
   {"E: no equal code",           e(8000), 'B', e(7425), e(9999), 'B', 0, 0},
   {"E: numbered record",         e(7425), 'B', n(1), n(9), 'B', 0, 0},
   {"E: record without a number", e(7425), 'B', kNone, kNone, 'B', 1, -1},
-};
-
-const Case kNoNumberRule[] = {
+  // Records without a number, and shapes no rule lists.
   {"N: record without a number, sides differ", n(12), 'E', kNone, kNone, 'O', 1, -1},
   {"NN: record without a number",  nn(12, 14), 'E', kNone, kNone, 'B', 1, -1},
   {"NA: record without a number",  na(12, A), 'E', kNone, kNone, 'B', 1, -1},
@@ -200,18 +171,18 @@ const Case kNoNumberRule[] = {
 };
 // clang-format on
 
-INSTANTIATE_TEST_SUITE_P(PlainNumber, RangeTest,
-                         ::testing::ValuesIn(kPlainNumber));
-INSTANTIATE_TEST_SUITE_P(NumberPair, RangeTest,
-                         ::testing::ValuesIn(kNumberPair));
-INSTANTIATE_TEST_SUITE_P(LetterSuffix, RangeTest,
-                         ::testing::ValuesIn(kLetterSuffix));
-INSTANTIATE_TEST_SUITE_P(Fraction, RangeTest, ::testing::ValuesIn(kFraction));
-INSTANTIATE_TEST_SUITE_P(Letters, RangeTest, ::testing::ValuesIn(kLetters));
-INSTANTIATE_TEST_SUITE_P(GridAndFreeText, RangeTest,
-                         ::testing::ValuesIn(kGridAndFreeText));
-INSTANTIATE_TEST_SUITE_P(NoNumber, RangeTest,
-                         ::testing::ValuesIn(kNoNumberRule));
+// Every row: the decision, and the change it makes to a score of 100.
+TEST(RangeTest, DecidesAndAdjustsScore) {
+  for (const Case &c : kCases) {
+    SCOPED_TRACE(c.what);
+    int32_t score = 100;
+    EXPECT_EQ(hk_mvir(c.in.v1, c.in.k1, c.in.v2, c.in.k2, c.side, c.low.v1,
+                      c.low.k1, c.low.v2, c.low.k2, c.high.v1, c.high.k1,
+                      c.high.v2, c.high.k2, &score, c.rside, 'B'),
+              c.result);
+    EXPECT_EQ(score - 100, c.score_change);
+  }
+}
 
 // The letter meaning "both sides" is the caller's.
 TEST(RangeTestSides, BothIsTheCallersLetter) {

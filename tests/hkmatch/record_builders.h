@@ -1,7 +1,6 @@
-// Builders for the records that the candidate evaluation tests feed to the
-// matcher: a blank 200-byte input record filled field by field, and a
-// reference record set up as the unpacker leaves it (texts, parsed premise
-// numbers, side), without any database.
+// Builders for the records the search tests feed to the matcher: a blank
+// 200-byte input record filled field by field, and a reference record set up
+// as the unpacker leaves it (texts, parsed premise numbers, side).
 #ifndef ORLO_TESTS_HKMATCH_RECORD_BUILDERS_H
 #define ORLO_TESTS_HKMATCH_RECORD_BUILDERS_H
 
@@ -16,13 +15,19 @@
 
 namespace orlo::testing {
 
+// Sets a NUL-terminated text field of a structure, cut to fit.
+template <size_t N>
+void set_text(char (&dst)[N], std::string_view text) {
+  std::memset(dst, 0, N);
+  std::memcpy(dst, text.data(), std::min(text.size(), N - 1));
+}
+
 // A 200-byte input record, blank until fields are set.
 class InputRecord {
  public:
   InputRecord() { bytes_.fill(' '); }
 
-  // Writes text at the start of the field, cut to its width; the rest of the
-  // field stays as it was.
+  // Writes text at the start of the field, cut to its width.
   InputRecord &set(FieldRef f, std::string_view text) {
     std::memcpy(bytes_.data() + f.off, text.data(),
                 std::min(text.size(), static_cast<size_t>(f.len)));
@@ -43,9 +48,9 @@ class InputRecord {
 
   const char *data() const { return bytes_.data(); }
   char *data() { return bytes_.data(); }
+  std::string str() const { return {bytes_.data(), bytes_.size()}; }
   std::string_view field(FieldRef f) const { return field_view(data(), f); }
 
-  // The prepared input of this record.
   HKWORKREC prepared() const {
     HKWORKREC work;
     hk_pad(data(), &work, nullptr);
@@ -56,25 +61,20 @@ class InputRecord {
   std::array<char, HKINREC_SIZE> bytes_;
 };
 
-// A reference record as the unpacker leaves it: texts set, premise numbers
-// parsed from lo and hi, side from the parity, street score 100.
+// A reference record as the unpacker leaves it: premise numbers parsed from
+// lo and hi, side from the parity, street score 100.
 struct ReferenceRecord {
-  std::string lo;
-  std::string hi;
-  std::string qual1;
-  std::string bldg;
-  std::string refcode;
-  std::string parity;
+  std::string lo, hi, qual1, bldg, refcode, parity;
 
   HKBASEREC build() const {
     HKBASEREC rec;
     std::memset(&rec, 0, sizeof rec);
-    copy(rec.blotext, lo);
-    copy(rec.bhitext, hi);
-    copy(rec.bqual1, qual1);
-    copy(rec.bbldg, bldg);
-    copy(rec.brefcode, refcode);
-    copy(rec.bparity, parity);
+    set_text(rec.blotext, lo);
+    set_text(rec.bhitext, hi);
+    set_text(rec.bqual1, qual1);
+    set_text(rec.bbldg, bldg);
+    set_text(rec.brefcode, refcode);
+    set_text(rec.bparity, parity);
     rec.blorc = hk_cvtr(rec.blotext, &rec.blonum, &rec.blotyp, &rec.blosub,
                         &rec.blosubtyp);
     rec.bhirc = hk_cvtr(rec.bhitext, &rec.bhinum, &rec.bhityp, &rec.bhisub,
@@ -82,13 +82,6 @@ struct ReferenceRecord {
     rec.bside = parity == "E" ? 'E' : parity == "O" ? 'O' : 'B';
     rec.bscore = 100;
     return rec;
-  }
-
-  template <size_t N>
-  static void copy(char (&dest)[N], const std::string &text) {
-    const size_t n = std::min(text.size(), N - 1);
-    std::memcpy(dest, text.data(), n);
-    dest[n] = '\0';
   }
 };
 

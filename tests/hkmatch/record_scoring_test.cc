@@ -1,6 +1,4 @@
-// Scoring and choice of base records: the choice rules on records scored by
-// hand (threshold, fewer penalties, ties), then the same rules end to end
-// through hk_mpro on databases whose records score as the rules need.
+// Choice of base records: the rules on hand-scored records, then end to end.
 #include "hkmatch/record_scoring.h"
 
 #include <gtest/gtest.h>
@@ -14,8 +12,6 @@
 
 namespace {
 
-using orlo::choose_record;
-using orlo::testing::Address;
 using orlo::testing::Geocoder;
 using orlo::testing::Outcome;
 using orlo::testing::TestDb;
@@ -32,170 +28,124 @@ HKBASEREC scored(int32_t bscore, int16_t bmscore, int32_t bpen = 0,
   return r;
 }
 
-struct Choice {
-  int64_t index;
-  bool tie;
-};
-
-Choice choose(const std::vector<HKBASEREC> &recs) {
-  bool tie = true;
-  int64_t i =
-      choose_record(recs.data(), static_cast<int64_t>(recs.size()), &tie);
-  return {i, tie};
-}
-
-TEST(ChooseRecord, MeanOf93QualifiesAndOf92Point5DoesNot) {
-  EXPECT_EQ(choose({scored(100, 86)}).index, 0);
-  EXPECT_EQ(choose({scored(100, 85)}).index, -1);
-  EXPECT_EQ(choose({scored(90, 96)}).index, 0);
-  EXPECT_EQ(choose({scored(90, 95), scored(91, 94), scored(93, 92)}).index, -1);
-  EXPECT_EQ(choose({}).index, -1);
-}
-
-TEST(ChooseRecord, FirstRecordWithTheGreatestValueWins) {
-  Choice c = choose({scored(100, 90), scored(100, 104, 0, "K01", "00002"),
-                     scored(99, 104, 0, "K01", "00003")});
-  EXPECT_EQ(c.index, 1);
-  EXPECT_FALSE(c.tie);
-}
-
-TEST(ChooseRecord, FewerPenaltiesBeatAHigherValue) {
-  // Best by value has 3 penalties; a qualifying record with 1 replaces it.
-  EXPECT_EQ(choose({scored(100, 110, 3), scored(100, 95, 1)}).index, 1);
-  // A record below the threshold never does.
-  EXPECT_EQ(choose({scored(100, 110, 3), scored(100, 80, 0)}).index, 0);
-  // Two penalties are already enough to be replaced.
-  EXPECT_EQ(choose({scored(100, 110, 2), scored(100, 95, 1)}).index, 1);
-}
-
-TEST(ChooseRecord, OnePenaltyIsNeverReplaced) {
-  EXPECT_EQ(choose({scored(100, 110, 1), scored(100, 95, 0)}).index, 0);
-}
-
-TEST(ChooseRecord, PenaltyWalkGoesOnWithTheNewBest) {
-  // 3 is replaced by 2 (next in order), which is replaced by 0; the record
-  // with 1 penalty that comes after the 0 does not take over again.
-  Choice c = choose({scored(100, 110, 3), scored(100, 100, 2),
-                     scored(100, 90, 0, "K01", "00003"), scored(100, 105, 1)});
-  EXPECT_EQ(c.index, 2);
-  // Ties are then counted at the new best value.
-  c = choose({scored(100, 110, 3), scored(100, 90, 0, "K01", "00002"),
-              scored(100, 90, 4, "K01", "00003")});
-  EXPECT_EQ(c.index, 1);
-  EXPECT_TRUE(c.tie);
-}
-
-TEST(ChooseRecord, TieNeedsADifferentReferencePair) {
-  Choice same = choose({scored(100, 100), scored(100, 100)});
-  EXPECT_EQ(same.index, 0);
-  EXPECT_FALSE(same.tie);
-  Choice other = choose({scored(100, 100), scored(100, 100, 0, "K01", "9")});
-  EXPECT_EQ(other.index, 0);
-  EXPECT_TRUE(other.tie);
-  Choice code = choose({scored(100, 100), scored(100, 100, 0, "K02")});
-  EXPECT_TRUE(code.tie);
-  // Equal only at a lower value: no tie.
-  EXPECT_FALSE(choose({scored(100, 104), scored(100, 100, 0, "K02"),
-                       scored(100, 100, 0, "K03")})
-                   .tie);
-}
-
-// The code and identifier are compared blank-padded to 3 and 5 bytes side
-// by side: "K1"+"23" is "K1 23   ", not "K12"+"3".
-TEST(ChooseRecord, ReferencePairIsPaddedBeforeItIsCompared) {
-  EXPECT_TRUE(
-      choose({scored(100, 100, 0, "K1", "23"), scored(100, 100, 0, "K12", "3")})
-          .tie);
-  EXPECT_FALSE(
-      choose({scored(100, 100, 0, "K1", "23"), scored(100, 100, 0, "K1", "23")})
-          .tie);
+// The choice among scored records: a record qualifies when the mean of its
+// street score and its score is at least 93; the first greatest value wins;
+// a best with two or more penalties gives way to a later qualifying record
+// with fewer (and the walk goes on from it); a tie needs another record at
+// the best value with a different code and identifier, compared padded.
+TEST(ChooseRecord, Table) {
+  struct Row {
+    std::vector<HKBASEREC> recs;
+    int64_t index;
+    int tie;  // 0, 1, or -1 when it does not matter
+    const char *note;
+  };
+  // clang-format off
+  const Row rows[] = {
+    {{scored(100, 86)}, 0, -1, "mean 93 qualifies"},
+    {{scored(100, 85)}, -1, -1, "mean 92.5 does not"},
+    {{scored(90, 96)}, 0, -1, "mean 93 from a low street score"},
+    {{scored(90, 95), scored(91, 94), scored(93, 92)}, -1, -1, "none qualifies"},
+    {{}, -1, -1, "no record"},
+    {{scored(100, 90), scored(100, 104, 0, "K01", "00002"), scored(99, 104, 0, "K01", "00003")}, 1, 0, "first greatest value"},
+    {{scored(100, 110, 3), scored(100, 95, 1)}, 1, -1, "3 penalties give way to 1"},
+    {{scored(100, 110, 2), scored(100, 95, 1)}, 1, -1, "2 penalties give way to 1"},
+    {{scored(100, 110, 3), scored(100, 80, 0)}, 0, -1, "not to a record below the threshold"},
+    {{scored(100, 110, 1), scored(100, 95, 0)}, 0, -1, "1 penalty is never replaced"},
+    {{scored(100, 110, 3), scored(100, 100, 2), scored(100, 90, 0, "K01", "00003"), scored(100, 105, 1)}, 2, -1, "walk goes on with the new best"},
+    {{scored(100, 110, 3), scored(100, 90, 0, "K01", "00002"), scored(100, 90, 4, "K01", "00003")}, 1, 1, "ties counted at the new best value"},
+    {{scored(100, 100), scored(100, 100)}, 0, 0, "same reference is no tie"},
+    {{scored(100, 100), scored(100, 100, 0, "K01", "9")}, 0, 1, "other identifier ties"},
+    {{scored(100, 100), scored(100, 100, 0, "K02")}, 0, 1, "other code ties"},
+    {{scored(100, 104), scored(100, 100, 0, "K02"), scored(100, 100, 0, "K03")}, 0, 0, "equal only below the best"},
+    {{scored(100, 100, 0, "K1", "23"), scored(100, 100, 0, "K12", "3")}, 0, 1, "K1+23 is not K12+3"},
+    {{scored(100, 100, 0, "K1", "23"), scored(100, 100, 0, "K1", "23")}, 0, 0, "short pair equal"},
+  };
+  // clang-format on
+  for (const Row &r : rows) {
+    SCOPED_TRACE(r.note);
+    bool tie = r.tie != 1;  // preset to the wrong answer
+    EXPECT_EQ(orlo::choose_record(r.recs.data(),
+                                  static_cast<int64_t>(r.recs.size()), &tie),
+              r.index);
+    if (r.tie >= 0) {
+      EXPECT_EQ(tie, r.tie == 1);
+    }
+  }
 }
 
 // ---- End to end -------------------------------------------------------------
 
-constexpr const char *kHeader =
-    "region,street,refcode,refid,building,parity,qual1,low,qual2,high,code9,"
-    "address\n";
-
-TEST(RecordChoice, EqualRecordsWithTheSameReferenceChooseTheFirst) {
-  TestDb db(std::string(kHeader) +
-            "KLN,NATHAN ROAD,K01,00001,,,,10,,20,,FIRST\n"
-            "KLN,NATHAN ROAD,K01,00001,,,,10,,20,,SECOND\n");
-  Geocoder g(db);
+// Equal records: one reference chooses the first, two are a tie ('5').
+TEST(RecordChoice, EqualRecords) {
+  TestDb same(
+      "KLN,NATHAN ROAD,K01,00001,,,,10,,20,,FIRST\n"
+      "KLN,NATHAN ROAD,K01,00001,,,,10,,20,,SECOND\n");
+  Geocoder g(same);
   Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
   EXPECT_EQ(o.retcode(), '1');
   EXPECT_EQ(o.matchstat(), '0');
-  EXPECT_EQ(orlo::testing::field(o.out, HKOUT_REFLINE_OFF, HKOUT_REFLINE_LEN),
-            "FIRST");
-}
+  EXPECT_EQ(orlo::testing::trimmed(o.out, orlo::out::refline), "FIRST");
 
-TEST(RecordChoice, EqualRecordsWithDifferentReferencesAreATie) {
-  TestDb db(std::string(kHeader) +
-            "KLN,NATHAN ROAD,K01,00001,,,,10,,20,,FIRST\n"
-            "KLN,NATHAN ROAD,K01,00002,,,,10,,20,,SECOND\n");
-  Geocoder g(db);
-  Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
+  TestDb other(
+      "KLN,NATHAN ROAD,K01,00001,,,,10,,20,,FIRST\n"
+      "KLN,NATHAN ROAD,K01,00002,,,,10,,20,,SECOND\n");
+  Geocoder t(other);
+  o = t.search({"KLN", "NATHAN ROAD", "12"});
   EXPECT_EQ(o.ret, 0);
   EXPECT_EQ(o.retcode(), '1');
   EXPECT_EQ(o.matchstat(), '5');
-  EXPECT_EQ(o.refid(), "");  // no reference written
-  EXPECT_EQ(o.out[HKOUT_GRADE_OFF], '9');
-  EXPECT_EQ(g.mcb()->laststat, 0);
+  EXPECT_EQ(o.refid(), "");
+  EXPECT_EQ(o.grade(), '9');
+  EXPECT_EQ(t.mcb()->laststat, 0);
 }
 
-// Input 12 on floor 12, building TOWER, reference code ABC.
-// Record A numbers floors (unit check +2 +4), its building only ends with
-// TOWER (+3, one penalty) and its code differs (-6, one penalty): 103 with
-// 2 penalties. Record B holds 12 in its range (+2), has the building (+6)
-// and the wrong code (-6): 102 with 1 penalty, lower but chosen.
-TEST(RecordChoice, FewerPenaltiesWinOverAHigherValue) {
-  TestDb db(std::string(kHeader) +
-            "KLN,NATHAN ROAD,XYZ,0000A,GOLDEN TOWER,,FLOOR/SHOP,1,,20,,\n"
-            "KLN,NATHAN ROAD,XYZ,0000B,TOWER,,,10,,20,,\n");
-  Geocoder g(db);
-  Outcome o =
-      g.search({"KLN", "NATHAN ROAD", "12", "TOWER", "12/F FLAT A", "ABC"});
-  EXPECT_EQ(o.retcode(), '1');
-  EXPECT_EQ(o.refid(), "0000B");
-  EXPECT_EQ(o.out[HKOUT_GRADE_OFF], '1');
-  ASSERT_NE(g.mcb()->baserecs, nullptr);
-  EXPECT_EQ(g.mcb()->baserecs[0].bmscore, 103);
-  EXPECT_EQ(g.mcb()->baserecs[0].bpen, 2);
-  EXPECT_EQ(g.mcb()->baserecs[1].bmscore, 102);
-  EXPECT_EQ(g.mcb()->baserecs[1].bpen, 1);
+// Input 12 on floor 12, building TOWER, code ABC. Record A numbers floors
+// (+2 +4), its building only ends with TOWER (+3, one penalty); record B
+// holds 12 (+2) and has the building (+6). With a wrong code (-6, one
+// penalty each) A scores 103 with 2 penalties and B, lower with 1, is
+// chosen; with the right code A keeps its single penalty and stays best.
+TEST(RecordChoice, PenaltiesEndToEnd) {
+  for (const char *code : {"XYZ", "ABC"}) {
+    SCOPED_TRACE(code);
+    const std::string c(code);
+    TestDb db("KLN,NATHAN ROAD," + c +
+              ",0000A,GOLDEN TOWER,,FLOOR/SHOP,1,,20,,\n"
+              "KLN,NATHAN ROAD," +
+              c + ",0000B,TOWER,,,10,,20,,\n");
+    Geocoder g(db);
+    const Outcome o =
+        g.search({"KLN", "NATHAN ROAD", "12", "TOWER", "12/F FLAT A", "ABC"});
+    ASSERT_NE(g.mcb()->baserecs, nullptr);
+    const HKBASEREC *recs = g.mcb()->baserecs;
+    if (c == "XYZ") {
+      EXPECT_EQ(o.refid(), "0000B");
+      EXPECT_EQ(o.grade(), '1');
+      EXPECT_EQ(recs[0].bmscore, 103);
+      EXPECT_EQ(recs[0].bpen, 2);
+      EXPECT_EQ(recs[1].bmscore, 102);
+      EXPECT_EQ(recs[1].bpen, 1);
+    } else {
+      EXPECT_EQ(o.refid(), "0000A");
+      EXPECT_EQ(recs[1].bpen, 0);
+    }
+  }
 }
 
-// With the right code A has one penalty and stays the best although B has
-// none.
-TEST(RecordChoice, BestWithOnePenaltyStays) {
-  TestDb db(std::string(kHeader) +
-            "KLN,NATHAN ROAD,ABC,0000A,GOLDEN TOWER,,FLOOR/SHOP,1,,20,,\n"
-            "KLN,NATHAN ROAD,ABC,0000B,TOWER,,,10,,20,,\n");
-  Geocoder g(db);
-  Outcome o =
-      g.search({"KLN", "NATHAN ROAD", "12", "TOWER", "12/F FLAT A", "ABC"});
-  EXPECT_EQ(o.refid(), "0000A");
-  EXPECT_EQ(g.mcb()->baserecs[1].bpen, 0);
-}
-
-TEST(RecordChoice, BuildingRejectionOutranksNumberRejection) {
-  TestDb db(std::string(kHeader) +
-            "KLN,NATHAN ROAD,K01,00001,,,,30,,40,,\n"
-            "KLN,NATHAN ROAD,K01,00002,OCEAN CENTRE,,,10,,20,,\n"
-            "KLN,NATHAN ROAD,K01,00003,,,,50,,60,,\n");
-  Geocoder g(db);
+// A building rejection outranks number rejections; an acceptance both.
+TEST(RecordChoice, StatusOfRejections) {
+  const std::string building =
+      "KLN,NATHAN ROAD,K01,00002,OCEAN CENTRE,,,10,,20,,\n";
+  const std::string far = "KLN,NATHAN ROAD,K01,00003,,,,50,,60,,\n";
+  TestDb rejected("KLN,NATHAN ROAD,K01,00001,,,,30,,40,,\n" + building + far);
+  Geocoder g(rejected);
   Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
   EXPECT_EQ(o.retcode(), '0');
   EXPECT_EQ(o.matchstat(), '4');
-}
 
-TEST(RecordChoice, AcceptedRecordKeepsStatusZeroOverLaterRejections) {
-  TestDb db(std::string(kHeader) +
-            "KLN,NATHAN ROAD,K01,00001,,,,10,,20,,\n"
-            "KLN,NATHAN ROAD,K01,00002,OCEAN CENTRE,,,10,,20,,\n"
-            "KLN,NATHAN ROAD,K01,00003,,,,50,,60,,\n");
-  Geocoder g(db);
-  Outcome o = g.search({"KLN", "NATHAN ROAD", "12"});
+  TestDb accepted("KLN,NATHAN ROAD,K01,00001,,,,10,,20,,\n" + building + far);
+  Geocoder a(accepted);
+  o = a.search({"KLN", "NATHAN ROAD", "12"});
   EXPECT_EQ(o.retcode(), '1');
   EXPECT_EQ(o.matchstat(), '0');
   EXPECT_EQ(o.refid(), "00001");
