@@ -188,17 +188,23 @@ char score_street(Pass &p, STREETENT &e, int32_t i) {
 }
 
 // The most records of the candidates that a fresh pass can write. A block
-// walk fails at the first record that does not fit, and records take at
-// least kMinRecordLength bytes, so an uncached street yields at most
-// blen / kMinRecordLength records before its walk succeeds or fails; a
+// outside BASEDATA fails its read before any record is written, a walk fails
+// at the first record that does not fit, and records take at least
+// kMinRecordLength bytes, so an uncached street yields at most
+// blen / kMinRecordLength records before its walk succeeds or fails. A
 // corrupt count beyond that must not make the pass reserve (and zero) room
 // it can never fill. On sound data this is the sum of the counts.
 int64_t writable_records(const HKMCB *mcb, int32_t count) {
   int64_t n = 0;
   for (int32_t i = 0; i < count; ++i) {
     const STREETENT &e = *mcb->cands[i];
-    int64_t fit = e.blen / kMinRecordLength + 1;
-    n += e.bunpk != nullptr ? e.bcnt : std::min<int64_t>(e.bcnt, fit);
+    if (e.bunpk != nullptr) {
+      n += e.bcnt;
+      continue;
+    }
+    bool inside = int64_t{e.boff} + e.blen <= mcb->basesize;
+    int64_t fit = inside ? e.blen / kMinRecordLength + 1 : 0;
+    n += std::min<int64_t>(e.bcnt, fit);
   }
   return n;
 }

@@ -227,6 +227,22 @@ TEST_P(Errors, DamagedFiles) {
   }
 }
 
+// A street whose length and count say gigabytes and 65535 records answers
+// '5' without the search first allocating (and zeroing) room for them: the
+// block buffer is never larger than BASEDATA, nor the record room than what
+// the blocks can hold. (Found by fuzzing: such a database took seconds a
+// search.)
+TEST_P(Errors, HugeBlockLengthAndCountAllocateNothingLarge) {
+  TestDb db(kCsv);
+  patch(db.level2(), level2_of(db, "NATHAN ROAD") + 4, 4, 0x7FFFFF00);
+  patch(db.level2(), level2_of(db, "NATHAN ROAD") + 8, 2, 0xFFFF);
+  Geocoder g(db, GetParam());
+  ASSERT_TRUE(g.opened());
+  expect_street_damaged(g);
+  EXPECT_LE(g.mcb()->blockcap, g.mcb()->basesize);
+  EXPECT_LT(g.mcb()->reccap, 1000);
+}
+
 // The search checks segment bounds again (open already refuses them).
 TEST_P(Errors, SegmentOutsideLevel2Answers4) {
   TestDb db(kCsv);
