@@ -57,7 +57,7 @@ TEST(ItemDecoding, GivesTheText) {
   }
 }
 
-// ---- packed record builder --------------------------------------------------
+// ---- packed record builder
 
 // A packed base record built from items per field (1 to 10): presence bits,
 // length byte and the items in field order.
@@ -333,40 +333,19 @@ TEST(UnpackChecked, AcceptsARecordThatFillsTheBlockExactly) {
   EXPECT_TRUE(orlo::unpack_checked(&r, empty.data(), empty.size()));
 }
 
-// ---- records written by the database builder --------------------------------
+// ---- records written by the database builder
 
-// Reads the block of the first street of the only region through the
-// bounded reads of an open instance and unpacks its records by their length
-// bytes, as the search walks a block.
-std::map<std::string, HKBASEREC> first_block(const HKMCB *mcb) {
-  std::map<std::string, HKBASEREC> records;
-  const L1ENTRY &region = mcb->lvl1tab[0];
-  std::string segment(region.l2len, '\0');
-  EXPECT_EQ(orlo::read_level2(mcb, region.l2off, region.l2len, segment.data()),
-            '0');
-  auto *street = reinterpret_cast<const unsigned char *>(segment.data());
-  uint32_t boff = refdb::get_be32(street);
-  uint32_t blen = refdb::get_be32(street + 4);
-  uint16_t bcnt = refdb::get_be16(street + 8);
-  EXPECT_STREQ(reinterpret_cast<const char *>(street + 10), "NATHAN ROAD");
-  std::vector<unsigned char> block(blen);
-  EXPECT_EQ(orlo::read_basedata(mcb, boff, blen,
-                                reinterpret_cast<char *>(block.data())),
-            '0');
-  size_t pos = 0;
-  for (uint16_t i = 0; i < bcnt && pos < blen; ++i) {
-    HKBASEREC r;
-    if (!orlo::unpack_checked(&r, block.data() + pos, blen - pos)) {
-      ADD_FAILURE() << "record " << i << " at " << pos;
-      break;
-    }
-    records[r.brefcode] = r;
-    pos += block[pos];
-  }
-  EXPECT_EQ(pos, blen);
-  return records;
+// The text fields of a record and its side, joined with '|'.
+std::string summary(const HKBASEREC &r) {
+  std::string s;
+  for (const char *text : {r.brefcode, r.brefid, r.bbldg, r.bqual1, r.blotext,
+                           r.bqual2, r.bhitext, r.bfld9, r.baddr})
+    s += std::string(text) + "|";
+  return s + r.bside;
 }
 
+// The builder's records read back through the bounded reads of an open
+// instance, walked by their length bytes as the search walks a block.
 TEST(UnpackBuiltDatabase, GivesBackTheRowsInBothModes) {
   orlo::testing::TestDb db(
       "KOWLOON,NATHAN ROAD,R01,12345,GOLDEN TOWER,O,G/F,11,UPPER,27,KLN,"
@@ -382,33 +361,36 @@ TEST(UnpackBuiltDatabase, GivesBackTheRowsInBothModes) {
               0)
         << rc;
     ASSERT_EQ(mcb->lvl1cnt, 1);
-    std::map<std::string, HKBASEREC> records = first_block(mcb);
+    const L1ENTRY &region = mcb->lvl1tab[0];
+    std::string segment(region.l2len, '\0');
+    ASSERT_EQ(
+        orlo::read_level2(mcb, region.l2off, region.l2len, segment.data()),
+        '0');
+    auto *street = reinterpret_cast<const unsigned char *>(segment.data());
+    EXPECT_STREQ(reinterpret_cast<const char *>(street + 10), "NATHAN ROAD");
+    uint32_t blen = refdb::get_be32(street + 4);
+    ASSERT_EQ(refdb::get_be16(street + 8), 3);
+    std::vector<unsigned char> block(blen);
+    ASSERT_EQ(orlo::read_basedata(mcb, refdb::get_be32(street), blen,
+                                  reinterpret_cast<char *>(block.data())),
+              '0');
     hk_mclo(&mcb, nullptr);
-    ASSERT_EQ(records.size(), 3u);
-
-    const HKBASEREC &r1 = records["R01"];
-    EXPECT_STREQ(r1.brefid, "12345");
-    EXPECT_STREQ(r1.bbldg, "GOLDEN TOWER");
-    EXPECT_EQ(r1.bside, 'O');
-    EXPECT_STREQ(r1.bqual1, "G/F");
-    EXPECT_STREQ(r1.blotext, "11");
-    EXPECT_STREQ(r1.bqual2, "UPPER");
-    EXPECT_STREQ(r1.bhitext, "27");
-    EXPECT_STREQ(r1.bfld9, "KLN");
-    EXPECT_STREQ(r1.baddr, "1 NATHAN ROAD");
-
-    const HKBASEREC &r2 = records["R02"];
-    EXPECT_STREQ(r2.brefid, "70000");
-    EXPECT_EQ(r2.bside, 'E');
-    EXPECT_STREQ(r2.blotext, "12");
-    EXPECT_STREQ(r2.bhitext, "30");
-    EXPECT_STREQ(r2.baddr, "");
-
-    const HKBASEREC &r3 = records["R03"];
-    EXPECT_STREQ(r3.blotext, "0012");
-    EXPECT_EQ(r3.blonum, 12);
-    EXPECT_EQ(r3.bhirc, 2);
-    EXPECT_EQ(r3.bside, 'B');
+    std::map<std::string, HKBASEREC> records;
+    size_t pos = 0;
+    for (int i = 0; i < 3; ++i) {
+      HKBASEREC r;
+      ASSERT_LT(pos, blen);
+      ASSERT_TRUE(orlo::unpack_checked(&r, block.data() + pos, blen - pos));
+      records[r.brefcode] = r;
+      pos += block[pos];
+    }
+    EXPECT_EQ(pos, blen);
+    EXPECT_EQ(summary(records["R01"]),
+              "R01|12345|GOLDEN TOWER|G/F|11|UPPER|27|KLN|1 NATHAN ROAD|O");
+    EXPECT_EQ(summary(records["R02"]), "R02|70000|||12||30|||E");
+    EXPECT_EQ(summary(records["R03"]), "R03||||0012|||||B");
+    EXPECT_EQ(records["R03"].blonum, 12);
+    EXPECT_EQ(records["R03"].bhirc, 2);
   }
 }
 
