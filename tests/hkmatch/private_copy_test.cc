@@ -149,35 +149,30 @@ void write_copy(HKMCB *mcb) {
   std::fputs("COPY", mcb->outfp);
 }
 
-TEST_F(PrivateCopy, FileModeRecreatesTheExtractFile) {
+// In memory mode the copy writes to the instance's extract file and leaves
+// it open; otherwise it recreates the file (emptied, written by the copy and
+// closed, so flushed, with it).
+TEST_F(PrivateCopy, ExtractFileIsTheCopysOwnUnlessInMemoryMode) {
   std::string extract = db_->dir() + "/extract.dat";
   open(("W" + extract).c_str());
   ASSERT_NE(mcb().outfp, nullptr);
   std::fputs("INSTANCE", mcb().outfp);
   std::fflush(mcb().outfp);
-  int before = open_descriptors();
-
-  private_call(("W" + extract).c_str());  // second character not 'M'
-  EXPECT_NE(searched().outfp, mcb().outfp);
-  script_.on_search = write_copy;
-  script_.results = {Result{}.build()};
-  call("R", "");
-  // Emptied, written by the copy and closed (so flushed) with it.
-  EXPECT_EQ(read_file(extract), "COPY");
-  EXPECT_EQ(open_descriptors(), before);
-}
-
-TEST_F(PrivateCopy, MemoryModeKeepsTheInstancesExtractFile) {
-  std::string extract = db_->dir() + "/extract.dat";
-  open(("X" + extract).c_str());
-  std::fputs("INSTANCE", mcb().outfp);
-  std::fflush(mcb().outfp);
-  private_call("XM");
+  private_call("WM");
   EXPECT_EQ(searched().outfp, mcb().outfp);
   EXPECT_EQ(read_file(extract), "INSTANCE");
-  std::fputs("+MORE", mcb().outfp);  // the instance's file is still open
+  std::fputs("+MORE", mcb().outfp);
   std::fflush(mcb().outfp);
   EXPECT_EQ(read_file(extract), "INSTANCE+MORE");
+
+  int before = open_descriptors();
+  script_ = Script{};
+  script_.on_search = write_copy;
+  script_.results = {Result{}.build()};
+  call("R", "Wother");  // second character not 'M'
+  EXPECT_NE(searched().outfp, mcb().outfp);
+  EXPECT_EQ(read_file(extract), "COPY");
+  EXPECT_EQ(open_descriptors(), before);
 }
 
 TEST_F(PrivateCopy, FilesThatCannotBeOpenedEndTheCall) {
