@@ -76,6 +76,8 @@ class CallDispatch : public ::testing::Test {
   char reclist_[7500] = {};
 };
 
+// Only the first character of the call type selects, and only upper case;
+// anything else sets the return code and nothing more.
 TEST_F(CallDispatch, UnknownCallTypesSetOnlyTheReturnCode) {
   for (const char *type : {"X", "", "o", "p", "c", " P"}) {
     out_ = std::string(HKOUTREC_SIZE, '#');
@@ -90,19 +92,11 @@ TEST_F(CallDispatch, UnknownCallTypesSetOnlyTheReturnCode) {
   EXPECT_EQ(mcb_.nread, 0);
 }
 
-TEST_F(CallDispatch, OnlyTheFirstCharacterOfTheCallTypeCounts) {
-  process(Result{});
-  std::string by_p = out_;
-  answer({Result{}.build()});
-  call("PROCESS");
-  EXPECT_EQ(out_, by_p);
-  EXPECT_EQ(mcb_.nread, 2);
-}
-
-TEST_F(CallDispatch, DIsTheSameAsP) {
+// "D" and "PROCESS" are the same call as "P": same output, same counters.
+TEST_F(CallDispatch, DAndLongerNamesAreTheSameAsP) {
   Result nomatch;
   nomatch.status = '4';
-  for (const char *type : {"P", "D"}) {
+  for (const char *type : {"P", "D", "PROCESS"}) {
     mcb_.nread = mcb_.nmatched = 0;
     std::vector<std::string> outs;
     for (const Result &r : {Result{}, nomatch, Result{}}) {
@@ -117,7 +111,10 @@ TEST_F(CallDispatch, DIsTheSameAsP) {
   }
 }
 
-TEST_F(CallDispatch, ProcessWithoutAUsableInstanceIsRefused) {
+// No handle, an empty handle word, a failed open (no LEVEL1 file) and a
+// closed block give 'A'; no input record gives '2'. Nothing is searched or
+// counted.
+TEST_F(CallDispatch, ProcessWithoutAUsableInstanceOrInputIsRefused) {
   HKHANDLE empty{};
   orlo::CallArgs a;
   a.call_type = "P";
@@ -128,7 +125,6 @@ TEST_F(CallDispatch, ProcessWithoutAUsableInstanceIsRefused) {
     orlo::dispatch(a, kScripted);
     EXPECT_EQ(out_, "A" + blank_record(HKOUTREC_SIZE - 1));
   }
-  // An open that failed leaves its block without the LEVEL1 file.
   std::FILE *level1 = mcb_.lvl1fp;
   mcb_.lvl1fp = nullptr;
   call("D");
@@ -137,18 +133,13 @@ TEST_F(CallDispatch, ProcessWithoutAUsableInstanceIsRefused) {
   mcb_.state = 'C';
   call("P");
   EXPECT_EQ(out_[0], 'A');
-  EXPECT_EQ(mcb_.nread, 0);
-  EXPECT_EQ(searches(), 0u);
-}
-
-TEST_F(CallDispatch, ProcessWithoutAnInputRecordIsRefused) {
-  orlo::CallArgs a;
-  a.call_type = "P";
+  mcb_.state = 'O';
   a.handle = &handle_;
-  a.out_rec = out_.data();
+  a.in_rec = nullptr;
   orlo::dispatch(a, kScripted);
   EXPECT_EQ(out_[0], '2');
   EXPECT_EQ(mcb_.nread, 0);
+  EXPECT_EQ(searches(), 0u);
 }
 
 TEST_F(CallDispatch, TheSearchGetsAFreshResultAndTheCallersLists) {
@@ -161,16 +152,16 @@ TEST_F(CallDispatch, TheSearchGetsAFreshResultAndTheCallersLists) {
   EXPECT_EQ(script_.seen_small_areas[0], blank_record(30));
 }
 
-TEST_F(CallDispatch, BlankBuildingIsSearchedOnce) {
+// No second search without a building name, nor when the accepted result
+// already carries the reference's own building.
+TEST_F(CallDispatch, BuildingIsSearchedOnlyWhenItCanHelp) {
   Result nomatch;
   nomatch.status = '2';
   process(nomatch, &nomatch);
   EXPECT_EQ(searches(), 1u);
   EXPECT_EQ(script_.pads, 1);
   EXPECT_EQ(out_, nomatch.build());
-}
 
-TEST_F(CallDispatch, AcceptedWithTheReferencesBuildingIsSearchedOnce) {
   put(in_, in::bldg, "CHUNGKING MANSIONS");
   Result first;
   first.bldg = "CHUNGKING MANSIONS";
@@ -203,108 +194,77 @@ TEST_F(CallDispatch, SecondAttemptSearchesTheBuildingAsStreet) {
   EXPECT_EQ(script_.seen_areas[1], std::string(orlo::kSearchAreaSize, 'a'));
 }
 
-TEST_F(CallDispatch, NotAcceptedFirstIsReplacedWhenTheReferenceIsOnItsStreet) {
-  put(in_, in::bldg, "CHUNGKING MANSIONS");
-  Result first;
-  first.status = '4';
-  first.street = "NATHAN RD";
-  Result second;
-  second.street = "NATHAN ROAD";
-  second.refline = "NATHAN RD";
-  second.premno = "";
-  process(first, &second);
-  ASSERT_EQ(searches(), 2u);
-  std::string expected = second.build();
-  expected[out::streetchg.off] = 'Y';
-  expected[out::premchg.off] = 'Y';
-  EXPECT_EQ(out_, expected);
-  EXPECT_EQ(mcb_.nmatched, 1);
-}
-
-TEST_F(CallDispatch, NotAcceptedFirstIsKeptWhenTheReferenceIsElsewhere) {
-  put(in_, in::bldg, "CHUNGKING MANSIONS");
-  Result first;
-  first.status = '2';
-  first.street = "NATHAN RD";
-  Result second;
-  second.refline = "CHUNGKING MANSIONS";
-  process(first, &second);
-  EXPECT_EQ(out_, first.build());
-  EXPECT_EQ(mcb_.nmatched, 0);
-}
-
-TEST_F(CallDispatch, SecondAttemptNotAcceptedLeavesTheFirstResult) {
-  put(in_, in::bldg, "CHUNGKING MANSIONS");
-  for (char first_status : {'0', '4'}) {
-    Result first;
-    first.status = first_status;
-    Result second;
-    second.status = '3';
-    second.refline = first.street;
-    process(first, &second);
-    std::string expected = first.build();
-    // An accepted result still gets its change flags: only the street
-    // differs from the input.
-    if (first_status == '0') expected[out::streetchg.off] = 'Y';
-    EXPECT_EQ(searches(), 2u);
-    EXPECT_EQ(out_, expected) << first_status;
-  }
-}
-
-// An accepted first result gives way only to another record of the same
-// reference code, without a building, on the same street (or with no
-// reference line).
-TEST_F(CallDispatch, AcceptedFirstIsReplacedOnlyUnderAllFourConditions) {
-  put(in_, in::bldg, "CHUNGKING MANSIONS");
-  Result first;
-  first.street = "NATHAN ROAD";
-  first.refid = "00001";
-  Result good;
-  good.refline = "NATHAN ROAD";
-  good.refid = "00002";
-  good.street = "NATHAN ROAD";
-  good.premno = "";
-
-  struct Case {
-    const char *what;
-    void (*change)(Result &);
+// The second result replaces the first only when it is accepted and, for a
+// first result not accepted, its reference lies on the first street (first
+// 25 characters); for an accepted first result it must also be another
+// record of the same code without a building (a blank reference line fits
+// any street).
+TEST_F(CallDispatch, SecondResultReplacesTheFirstOnlyWhenItFits) {
+  using Change = void (*)(Result &);
+  const struct {
+    const char *note;
+    Change first, second;
     bool replaces;
   } cases[] = {
-      {"all hold", [](Result &) {}, true},
-      {"blank reference line", [](Result &r) { r.refline = ""; }, true},
-      {"other street", [](Result &r) { r.refline = "CHUNGKING MANSIONS"; },
-       false},
-      {"has a building", [](Result &r) { r.bldg = "CHUNGKING MANSIONS"; },
-       false},
-      {"same record", [](Result &r) { r.refid = "00001"; }, false},
-      {"other code", [](Result &r) { r.refcode = "K02"; }, false},
-      {"not accepted", [](Result &r) { r.status = '4'; }, false},
+      {"accepted first, all hold", [](Result &) {}, [](Result &) {}, true},
+      {"accepted first, blank reference line", [](Result &) {},
+       [](Result &r) { r.refline = ""; }, true},
+      {"accepted first, other street", [](Result &) {},
+       [](Result &r) { r.refline = "CHUNGKING MANSIONS"; }, false},
+      {"accepted first, has a building", [](Result &) {},
+       [](Result &r) { r.bldg = "CHUNGKING MANSIONS"; }, false},
+      {"accepted first, same record", [](Result &) {},
+       [](Result &r) { r.refid = "00001"; }, false},
+      {"accepted first, other code", [](Result &) {},
+       [](Result &r) { r.refcode = "K02"; }, false},
+      {"accepted first, second not accepted", [](Result &) {},
+       [](Result &r) { r.status = '3'; }, false},
+      {"first not accepted, reference on its street",
+       [](Result &r) { r.status = '4'; }, [](Result &) {}, true},
+      {"first not accepted, reference elsewhere",
+       [](Result &r) { r.status = '2'; },
+       [](Result &r) { r.refline = "CHUNGKING MANSIONS"; }, false},
+      {"neither accepted", [](Result &r) { r.status = '4'; },
+       [](Result &r) { r.status = '3'; }, false},
+      {"street equal in its first 25 characters",
+       [](Result &r) {
+         r.status = '4';
+         r.street = "ABCDEFGHIJKLMNOPQRSTUVWXYZ1234";
+       },
+       [](Result &r) { r.refline = "ABCDEFGHIJKLMNOPQRSTUVWXY"; }, true},
+      {"street differs in its 25th character",
+       [](Result &r) {
+         r.status = '4';
+         r.street = "ABCDEFGHIJKLMNOPQRSTUVWXYZ1234";
+       },
+       [](Result &r) { r.refline = "ABCDEFGHIJKLMNOPQRSTUVWXZ"; }, false},
   };
-  for (const Case &c : cases) {
-    Result second = good;
-    c.change(second);
+  put(in_, in::bldg, "CHUNGKING MANSIONS");
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.note);
+    Result first, second;
+    second.refid = "00002";
+    second.premno = "";
+    c.first(first);
+    c.second(second);
+    mcb_.nmatched = 0;
     process(first, &second);
-    ASSERT_EQ(searches(), 2u) << c.what;
-    std::string shown = out_.substr(out::refid.off, out::refid.len);
-    EXPECT_EQ(shown, c.replaces ? second.refid : first.refid) << c.what;
-    EXPECT_EQ(out_[out::premchg.off], c.replaces ? 'Y' : ' ') << c.what;
+    ASSERT_EQ(searches(), 2u);
+    std::string expected = (c.replaces ? second : first).build();
+    // The change flags are those of the result shown (checked below).
+    expected.replace(out::areachg.off, 3, out_.substr(out::areachg.off, 3));
+    EXPECT_EQ(out_, expected);
+    EXPECT_EQ(mcb_.nmatched, expected[out::matchstat.off] == '0' ? 1 : 0);
   }
-}
-
-TEST_F(CallDispatch, StreetComparedOnItsFirst25Characters) {
-  put(in_, in::bldg, "SOME BUILDING");
-  Result first;
+  // A replacing result gets the change flags against the caller's record.
+  Result first, second;
   first.status = '4';
-  first.street = "ABCDEFGHIJKLMNOPQRSTUVWXYZ1234";
-  Result second;
-  second.refline = "ABCDEFGHIJKLMNOPQRSTUVWXY";
+  second.premno = "";
   process(first, &second);
-  EXPECT_EQ(out_[out::matchstat.off], '0');
-  second.refline = "ABCDEFGHIJKLMNOPQRSTUVWXZ";
-  process(first, &second);
-  EXPECT_EQ(out_[out::matchstat.off], '4');
+  EXPECT_EQ(out_.substr(out::areachg.off, 3), " YY");
 }
 
+// An error of the search is still a record read.
 TEST_F(CallDispatch, CountersFollowTheFinalStatus) {
   Result nomatch;
   nomatch.status = '3';
@@ -313,7 +273,6 @@ TEST_F(CallDispatch, CountersFollowTheFinalStatus) {
   process(nomatch);
   EXPECT_EQ(mcb_.nread, 3);
   EXPECT_EQ(mcb_.nmatched, 1);
-  // An error of the search is still a record read.
   Result failed;
   failed.status = ' ';
   std::string rec = failed.build();
@@ -325,60 +284,40 @@ TEST_F(CallDispatch, CountersFollowTheFinalStatus) {
   EXPECT_EQ(mcb_.nmatched, 1);
 }
 
+// Each flag compares the caller's fields with the result's: street; unit or
+// premise number; district or region. Only accepted results get flags.
 TEST_F(CallDispatch, ChangeFlagsCompareTheCallersFields) {
-  struct Case {
-    const char *what;
+  const struct {
+    const char *note;
     void (*change)(Result &);
     const char *flags;  // areachg, streetchg, premchg
   } cases[] = {
-      {"nothing changed", [](Result &r) { r.street = "NATHAN RD"; }, "   "},
-      {"street", [](Result &) {}, " Y "},
-      {"unit",
-       [](Result &r) {
-         r.street = "NATHAN RD";
-         r.unit = "12/F";
-       },
-       "  Y"},
-      {"premise number",
-       [](Result &r) {
-         r.street = "NATHAN RD";
-         r.premno = "012";
-       },
-       "  Y"},
-      {"district",
-       [](Result &r) {
-         r.street = "NATHAN RD";
-         r.district = "MONG KOK";
-       },
-       "Y  "},
-      {"region",
-       [](Result &r) {
-         r.street = "NATHAN RD";
-         r.region = "HK";
-       },
-       "Y  "},
+      {"nothing changed", [](Result &) {}, "   "},
+      {"street", [](Result &r) { r.street = "NATHAN ROAD"; }, " Y "},
+      {"unit", [](Result &r) { r.unit = "12/F"; }, "  Y"},
+      {"premise number", [](Result &r) { r.premno = "012"; }, "  Y"},
+      {"district", [](Result &r) { r.district = "MONG KOK"; }, "Y  "},
+      {"region", [](Result &r) { r.region = "HK"; }, "Y  "},
       {"everything",
        [](Result &r) {
-         r.premno = "";
-         r.unit = "";
-         r.region = "";
+         r.street = "NATHAN ROAD";
+         r.premno = r.unit = r.region = "";
        },
        "YYY"},
+      {"not accepted",
+       [](Result &r) {
+         r.status = '4';
+         r.region = "NT";
+       },
+       "   "},
   };
-  for (const Case &c : cases) {
+  for (const auto &c : cases) {
     Result r;
+    r.street = "NATHAN RD";
     c.change(r);
     process(r);
-    EXPECT_EQ(out_.substr(out::areachg.off, 3), c.flags) << c.what;
+    EXPECT_EQ(out_.substr(out::areachg.off, 3), c.flags) << c.note;
   }
-}
-
-TEST_F(CallDispatch, ChangeFlagsOnlyForAcceptedResults) {
-  Result nomatch;
-  nomatch.status = '4';
-  nomatch.region = "NT";
-  process(nomatch);
-  EXPECT_EQ(out_.substr(out::areachg.off, 3), "   ");
 }
 
 TEST_F(CallDispatch, AFlagSetByTheSearchIsNeverCleared) {

@@ -153,10 +153,6 @@ TEST_F(Dispatcher, StatementIsDatedTodayInUtc) {
   ASSERT_EQ(page.size(), 2708u);
   std::string shown = statement_line(page, 29).substr(28, 10);
   EXPECT_TRUE(shown == before || shown == after) << shown;
-  struct tm utc;
-  time_t now = std::time(nullptr);
-  gmtime_r(&now, &utc);
-  EXPECT_EQ(shown.substr(0, 4), std::to_string(utc.tm_year + 1900));
   EXPECT_EQ(statement_line(page, 13).substr(28, 8), "20261101");
   EXPECT_EQ(statement_line(page, 27).substr(60, 2), "1 ");
   EXPECT_EQ(statement_line(page, 31).substr(60, 7), "100.00%");

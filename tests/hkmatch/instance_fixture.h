@@ -4,13 +4,13 @@
 #ifndef ORLO_TESTS_HKMATCH_INSTANCE_FIXTURE_H
 #define ORLO_TESTS_HKMATCH_INSTANCE_FIXTURE_H
 
-#include <dirent.h>
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
 
 #include "hkmatch/call_dispatch.h"
+#include "hkmatch/reference_files.h"
 #include "hkmatch/scripted_search.h"
 #include "support/test_db.h"
 #include "tools/file_util.h"
@@ -22,15 +22,7 @@ inline constexpr const char *kSmallDbCsv =
     "KLN,NATHAN ROAD,K01,00002,CHUNGKING MANSIONS,B,,36,,44,,NATHAN ROAD\n"
     "KLN,NATHAN ROAD,K01,00003,,B,,1,,35,,NATHAN ROAD\n";
 
-// Number of open file descriptors of this process.
-inline int open_descriptors() {
-  int n = 0;
-  if (DIR *d = opendir("/proc/self/fd")) {
-    while (readdir(d) != nullptr) ++n;
-    closedir(d);
-  }
-  return n;
-}
+using testfiles::open_descriptors;
 
 class InstanceTest : public ::testing::Test {
  protected:

@@ -14,7 +14,6 @@
 #include "hkmatch/reference_access.h"
 #include "hkmatch/reference_files.h"
 #include "orlo_matcher.h"
-#include "support/test_db.h"
 
 namespace {
 
@@ -29,13 +28,11 @@ using orlo::testfiles::write_file;
 constexpr size_t kUnit = 23200;
 
 // A small database: two regions whose segments lie inside the first unit of
-// a one-unit LEVEL2, and a BASEDATA of a date and some bytes.
+// a one-unit LEVEL2, and a BASEDATA of a date and some bytes. Every test
+// ends with no descriptor left open.
 class Instance : public ::testing::Test {
  protected:
   void SetUp() override {
-    level1_ = dir_.file("LEVEL1");
-    level2_ = dir_.file("LEVEL2");
-    basedata_ = dir_.file("BASEDATA");
     write_file(level1_, level1_record("HONG KONG", 0, 60, 2) +
                             level1_record("KOWLOON", 60, 1000, 17) +
                             level1_end());
@@ -44,7 +41,7 @@ class Instance : public ::testing::Test {
     baseline_fds_ = open_descriptors();
   }
   void TearDown() override {
-    hk_mclo(&mcb_, nullptr);
+    close();
     EXPECT_EQ(open_descriptors(), baseline_fds_) << "a file was left open";
   }
 
@@ -54,8 +51,7 @@ class Instance : public ::testing::Test {
   }
   int32_t open_with(const char *options, const char *l1, const char *l2,
                     const char *base) {
-    hk_mclo(&mcb_, nullptr);
-    mcb_ = nullptr;
+    close();
     retcode_ = '0';
     return hk_mopn(&mcb_, &retcode_, options, l1, l2, base);
   }
@@ -65,14 +61,17 @@ class Instance : public ::testing::Test {
   }
 
   TempDir dir_;
-  std::string level1_, level2_, basedata_;
+  std::string level1_ = dir_.file("LEVEL1"), level2_ = dir_.file("LEVEL2"),
+              basedata_ = dir_.file("BASEDATA");
   long baseline_fds_ = 0;
   HKMCB *mcb_ = nullptr;
   char retcode_ = '0';
 };
 
+// File mode reads only LEVEL1 (which stays open after its end record) and
+// leaves the code byte as the caller set it.
 TEST_F(Instance, OpensInFileMode) {
-  char rc = '?';  // success leaves the code byte as the caller set it
+  char rc = '?';
   ASSERT_EQ(hk_mopn(&mcb_, &rc, "", level1_.c_str(), level2_.c_str(),
                     basedata_.c_str()),
             0);
@@ -89,14 +88,9 @@ TEST_F(Instance, OpensInFileMode) {
   ASSERT_NE(mcb_->basefp, nullptr);
   ASSERT_NE(mcb_->lvl2fp, nullptr);
   ASSERT_NE(mcb_->lvl1fp, nullptr);
-  // Only LEVEL1 is read; LEVEL1 stays open after the end record it read.
   EXPECT_EQ(ftello(mcb_->basefp), 0);
   EXPECT_EQ(ftello(mcb_->lvl2fp), 0);
   EXPECT_EQ(ftello(mcb_->lvl1fp), 120);
-  const char zero[30] = {};
-  EXPECT_EQ(std::memcmp(mcb_->lastkey, zero, sizeof zero), 0);
-  EXPECT_EQ(mcb_->lvl2tab, nullptr);
-  EXPECT_EQ(mcb_->nread, 0);
 }
 
 TEST_F(Instance, LoadsTheIndexInHostOrder) {
@@ -115,364 +109,228 @@ TEST_F(Instance, LoadsTheIndexInHostOrder) {
   EXPECT_EQ(mcb_->lvl1tab[1].l2len, 0u);
 }
 
-// A database from the builder: whole units, so memory mode holds all of it,
-// and one index entry per region in key order.
-TEST(BuiltDatabase, OpensInBothModes) {
-  orlo::testing::TestDb db(
-      "KOWLOON,NATHAN ROAD,R01,1,,,,1,,9,,\n"
-      "HONG KONG,QUEEN'S ROAD CENTRAL,R02,2,,,,2,,8,,\n"
-      "KOWLOON,CANTON ROAD,R03,3,,,,3,,7,,\n");
-  int64_t l2 = static_cast<int64_t>(std::filesystem::file_size(db.level2()));
-  int64_t base =
-      static_cast<int64_t>(std::filesystem::file_size(db.basedata()));
-  for (const char *options : {"", "YM"}) {
-    SCOPED_TRACE(options);
-    HKMCB *mcb = nullptr;
-    char rc = '0';
-    ASSERT_EQ(hk_mopn(&mcb, &rc, options, db.level1().c_str(),
-                      db.level2().c_str(), db.basedata().c_str()),
-              0)
-        << rc;
-    EXPECT_EQ(mcb->lvl2size, l2);
-    EXPECT_EQ(mcb->basesize, base);
-    ASSERT_EQ(mcb->lvl1cnt, 2);
-    EXPECT_EQ(std::string(mcb->lvl1tab[0].l1key, 30),
-              "HONG KONG" + std::string(21, ' '));
-    EXPECT_EQ(std::string(mcb->lvl1tab[1].l1key, 30),
-              "KOWLOON" + std::string(23, ' '));
-    EXPECT_EQ(mcb->lvl1tab[0].l2cnt, 1);
-    EXPECT_EQ(mcb->lvl1tab[1].l2cnt, 2);
-    char date[8];
-    EXPECT_EQ(orlo::read_basedata(mcb, 0, 8, date), '0');
-    EXPECT_EQ(std::string(date, 8), "20260101");
-    hk_mclo(&mcb, nullptr);
+// The index ends at the end record (only its first four bytes decide) or at
+// the last whole 40-byte record.
+TEST_F(Instance, Level1EndsAtTheEndRecordOrTheLastWholeRecord) {
+  const std::string k = level1_record("K", 0, 10, 1),
+                    l = level1_record("L", 10, 10, 1),
+                    m = level1_record("M", 20, 10, 1);
+  const struct {
+    const char *note;
+    std::string bytes;
+    std::string keys;  // first key byte of each entry loaded
+  } cases[] = {
+      {"empty", "", ""},
+      {"end record first", level1_end() + k, ""},
+      {"no end record", k + l + m, "KLM"},
+      {"end record after two", k + l + level1_end() + m, "KL"},
+      {"partial final record", k + l + m.substr(0, 20), "KL"},
+      {"lone partial record", k.substr(0, 39), ""},
+      {"end record with text after the zeros",
+       k + std::string(4, '\0') + "X" + std::string(35, ' ') + m, "K"},
+      {"three zero bytes are a key", k + std::string(3, '\0') + l.substr(3),
+       std::string("K\0", 2)},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.note);
+    write_file(level1_, c.bytes);
+    ASSERT_EQ(open(""), 0);
+    ASSERT_EQ(mcb_->lvl1cnt, static_cast<int32_t>(c.keys.size()));
+    ASSERT_NE(mcb_->lvl1tab, nullptr);
+    for (size_t i = 0; i < c.keys.size(); ++i)
+      EXPECT_EQ(mcb_->lvl1tab[i].l1key[0], c.keys[i]) << i;
   }
 }
 
-// ---- LEVEL1 shapes
-// ------------------------------------------------------------
-
-struct Level1Case {
-  const char *name;
-  std::string bytes;
-  std::string keys;  // first key byte of each entry loaded
-};
-
-class Level1Shape : public Instance,
-                    public ::testing::WithParamInterface<Level1Case> {};
-
-TEST_P(Level1Shape, GivesTheIndex) {
-  write_file(level1_, GetParam().bytes);
-  ASSERT_EQ(open(""), 0);
-  const std::string &keys = GetParam().keys;
-  ASSERT_EQ(mcb_->lvl1cnt, static_cast<int32_t>(keys.size()));
-  ASSERT_NE(mcb_->lvl1tab, nullptr);
-  for (size_t i = 0; i < keys.size(); ++i)
-    EXPECT_EQ(mcb_->lvl1tab[i].l1key[0], keys[i]) << i;
+// The first character selects the list, pass and extract settings (the rest
+// of the string is the extract path); a second character 'M' or 'm' selects
+// memory mode. Runs in the temporary directory, where the relative extract
+// paths are created.
+TEST_F(Instance, OptionStringSelectsTheSettings) {
+  static constexpr struct {
+    const char *options;  // nullptr: no option string
+    int32_t listmode, passopt, outmode;
+    const char *outpath;
+    int32_t inmem;
+  } kCases[] = {{nullptr, 0, 0, 0, "", 0},
+                {"", 0, 0, 0, "", 0},
+                {"Y", 1, 0, 0, "", 0},
+                {"y", 1, 0, 0, "", 0},
+                {"2", 2, 0, 0, "", 0},
+                {"3", 3, 0, 0, "", 0},
+                {"4", 0, 1, 0, "", 0},
+                {"5", 0, 2, 0, "", 0},
+                {"6", 1, 1, 0, "", 0},
+                {"7", 1, 2, 0, "", 0},
+                {"8", 2, 1, 0, "", 0},
+                {"9", 2, 2, 0, "", 0},
+                {"A", 3, 1, 0, "", 0},
+                {"B", 3, 2, 0, "", 0},
+                {"a", 0, 0, 0, "", 0},
+                {"1xyz", 0, 0, 0, "", 0},
+                {"Wstreets.out", 0, 0, 1, "streets.out", 0},
+                {"wstreets.out", 0, 0, 1, "streets.out", 0},
+                {"Rstreets.out", 0, 0, 1, "streets.out", 0},
+                {"rstreets.out", 0, 0, 1, "streets.out", 0},
+                {"Xrecords.out", 0, 0, 2, "records.out", 0},
+                {"xrecords.out", 0, 0, 2, "records.out", 0},
+                {"XMrecords.out", 0, 0, 2, "Mrecords.out", 1},
+                {"YM", 1, 0, 0, "", 1},
+                {"Bm", 3, 2, 0, "", 1},
+                {"ZM", 0, 0, 0, "", 1},
+                {"M", 0, 0, 0, "", 0},
+                {"YxM", 1, 0, 0, "", 0}};
+  char cwd[4096];
+  ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
+  ASSERT_EQ(chdir(dir_.path().c_str()), 0);
+  for (const auto &c : kCases) {
+    SCOPED_TRACE(c.options != nullptr ? c.options : "(null)");
+    ASSERT_EQ(open(c.options), 0) << retcode_;
+    EXPECT_EQ(mcb_->listmode, c.listmode);
+    EXPECT_EQ(mcb_->passopt, c.passopt);
+    EXPECT_EQ(mcb_->outmode, c.outmode);
+    EXPECT_STREQ(mcb_->outpath, c.outpath);
+    EXPECT_EQ(mcb_->inmem, c.inmem);
+    EXPECT_EQ(mcb_->lvl2mem != nullptr, c.inmem == 1);
+    EXPECT_EQ(mcb_->basemem != nullptr, c.inmem == 1);
+    EXPECT_EQ(mcb_->outfp != nullptr, c.outmode != 0);
+    if (c.outmode != 0) {
+      EXPECT_TRUE(std::filesystem::exists(c.outpath));
+    }
+  }
+  close();
+  EXPECT_EQ(chdir(cwd), 0);
 }
-
-const std::string kK = level1_record("K", 0, 10, 1);
-const std::string kL = level1_record("L", 10, 10, 1);
-const std::string kM = level1_record("M", 20, 10, 1);
-
-INSTANTIATE_TEST_SUITE_P(
-    Files, Level1Shape,
-    ::testing::Values(
-        Level1Case{"empty", "", ""},
-        Level1Case{"end_record_first", level1_end() + kK, ""},
-        Level1Case{"no_end_record", kK + kL + kM, "KLM"},
-        Level1Case{"end_record_after_two", kK + kL + level1_end() + kM, "KL"},
-        Level1Case{"partial_final_record", kK + kL + kM.substr(0, 20), "KL"},
-        Level1Case{"lone_partial_record", kK.substr(0, 39), ""},
-        // Only the first four bytes decide: a zero key start with text after
-        // it is still the end record, a zero byte later in the four is not.
-        Level1Case{"end_record_with_text",
-                   kK + std::string(4, '\0') + "X" + std::string(35, ' ') + kM,
-                   "K"},
-        Level1Case{"three_zero_bytes_are_a_key",
-                   kK + std::string(3, '\0') + kL.substr(3),
-                   std::string("K\0", 2)}),
-    [](const auto &info) { return std::string(info.param.name); });
-
-// ---- option string
-// --------------------------------------------------------------
-
-struct OptionCase {
-  const char *name;
-  const char *options;  // nullptr: no option string
-  int32_t listmode;
-  int32_t passopt;
-  int32_t outmode;
-  const char *outpath;
-  int32_t inmem;
-};
-
-// Runs in the temporary directory, so that the extract paths of the table
-// (relative, some beginning with 'M') are created there.
-class OptionString : public Instance,
-                     public ::testing::WithParamInterface<OptionCase> {
- protected:
-  void SetUp() override {
-    Instance::SetUp();
-    ASSERT_NE(getcwd(cwd_, sizeof cwd_), nullptr);
-    ASSERT_EQ(chdir(dir_.path().c_str()), 0);
-  }
-  void TearDown() override {
-    Instance::TearDown();
-    EXPECT_EQ(chdir(cwd_), 0);
-  }
-  char cwd_[4096] = {};
-};
-
-TEST_P(OptionString, SelectsTheSettings) {
-  const OptionCase &c = GetParam();
-  ASSERT_EQ(open(c.options), 0) << retcode_;
-  EXPECT_EQ(mcb_->listmode, c.listmode);
-  EXPECT_EQ(mcb_->passopt, c.passopt);
-  EXPECT_EQ(mcb_->outmode, c.outmode);
-  EXPECT_STREQ(mcb_->outpath, c.outpath);
-  EXPECT_EQ(mcb_->inmem, c.inmem);
-  EXPECT_EQ(mcb_->lvl2mem != nullptr, c.inmem == 1);
-  EXPECT_EQ(mcb_->basemem != nullptr, c.inmem == 1);
-  EXPECT_EQ(mcb_->outfp != nullptr, c.outmode != 0);
-  if (c.outmode != 0) {
-    EXPECT_TRUE(std::filesystem::exists(c.outpath));
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, OptionString,
-    ::testing::Values(
-        OptionCase{"null", nullptr, 0, 0, 0, "", 0},
-        OptionCase{"empty", "", 0, 0, 0, "", 0},
-        OptionCase{"Y", "Y", 1, 0, 0, "", 0},
-        OptionCase{"y", "y", 1, 0, 0, "", 0},
-        OptionCase{"2", "2", 2, 0, 0, "", 0},
-        OptionCase{"3", "3", 3, 0, 0, "", 0},
-        OptionCase{"4", "4", 0, 1, 0, "", 0},
-        OptionCase{"5", "5", 0, 2, 0, "", 0},
-        OptionCase{"6", "6", 1, 1, 0, "", 0},
-        OptionCase{"7", "7", 1, 2, 0, "", 0},
-        OptionCase{"8", "8", 2, 1, 0, "", 0},
-        OptionCase{"9", "9", 2, 2, 0, "", 0},
-        OptionCase{"A", "A", 3, 1, 0, "", 0},
-        OptionCase{"B", "B", 3, 2, 0, "", 0},
-        OptionCase{"a_is_not_A", "a", 0, 0, 0, "", 0},
-        OptionCase{"L_selects_nothing", "L", 0, 0, 0, "", 0},
-        OptionCase{"1_selects_nothing", "1xyz", 0, 0, 0, "", 0},
-        OptionCase{"W", "Wstreets.out", 0, 0, 1, "streets.out", 0},
-        OptionCase{"w", "wstreets.out", 0, 0, 1, "streets.out", 0},
-        OptionCase{"R", "Rstreets.out", 0, 0, 1, "streets.out", 0},
-        OptionCase{"r", "rstreets.out", 0, 0, 1, "streets.out", 0},
-        OptionCase{"X", "Xrecords.out", 0, 0, 2, "records.out", 0},
-        OptionCase{"x", "xrecords.out", 0, 0, 2, "records.out", 0},
-        OptionCase{"X_path_starting_M", "XMrecords.out", 0, 0, 2,
-                   "Mrecords.out", 1},
-        OptionCase{"W_path_starting_m", "wmstreets.out", 0, 0, 1,
-                   "mstreets.out", 1},
-        OptionCase{"YM", "YM", 1, 0, 0, "", 1},
-        OptionCase{"Bm", "Bm", 3, 2, 0, "", 1},
-        OptionCase{"unknown_first_then_M", "ZM", 0, 0, 0, "", 1},
-        OptionCase{"blank_then_M", " M", 0, 0, 0, "", 1},
-        OptionCase{"M_alone", "M", 0, 0, 0, "", 0},
-        OptionCase{"M_third", "YxM", 1, 0, 0, "", 0}),
-    [](const auto &info) { return std::string(info.param.name); });
 
 TEST_F(Instance, ExtractFileIsTruncatedAndClosedWithTheInstance) {
   std::string path = dir_.file("extract.out");
   write_file(path, "old contents");
-  std::string options = "W" + path;
-  ASSERT_EQ(open(options.c_str()), 0);
+  ASSERT_EQ(open(("W" + path).c_str()), 0);
   EXPECT_EQ(read_file(path), "");
   std::fputs("street record", mcb_->outfp);
   close();
   EXPECT_EQ(read_file(path), "street record");
 }
 
-TEST_F(Instance, ExtractPathOf199CharactersFits) {
-  std::string name(199 - dir_.path().size() - 1, 'e');
-  std::string path = dir_.file(name);
-  ASSERT_EQ(path.size(), 199u);
+// 199 characters fit; a longer path fails the open rather than being cut to
+// name another file.
+TEST_F(Instance, ExtractPathOfAtMost199Characters) {
+  std::string path = dir_.file(std::string(199 - dir_.path().size() - 1, 'e'));
+  std::string longer = path + "e";
+  EXPECT_EQ(open(("X" + longer).c_str()), 1);
+  EXPECT_EQ(retcode_, '6');
+  EXPECT_EQ(mcb_->outfp, nullptr);
+  EXPECT_EQ(mcb_->basefp, nullptr);
+  EXPECT_FALSE(std::filesystem::exists(longer));
+  EXPECT_FALSE(std::filesystem::exists(path));
+
   ASSERT_EQ(open(("X" + path).c_str()), 0);
   EXPECT_EQ(std::string(mcb_->outpath), path);
   EXPECT_TRUE(std::filesystem::exists(path));
 }
 
-TEST_F(Instance, LongerExtractPathFailsRatherThanNamingAnotherFile) {
-  std::string path = dir_.file(std::string(200 - dir_.path().size() - 1, 'e'));
-  ASSERT_EQ(path.size(), 200u);
-  EXPECT_EQ(open(("X" + path).c_str()), 1);
-  EXPECT_EQ(retcode_, '6');
-  EXPECT_EQ(mcb_->outfp, nullptr);
-  EXPECT_EQ(mcb_->basefp, nullptr);
-  EXPECT_FALSE(std::filesystem::exists(path));
-  EXPECT_FALSE(std::filesystem::exists(path.substr(0, 199)));
-}
-
-// ---- failures
-// ---------------------------------------------------------------------
-
-enum class Path { kGood, kMissing, kDirectory, kNull };
-
-struct FailureCase {
-  const char *name;
-  const char *options;
-  Path level1, level2, basedata;
-  char code;
-  bool base_open, level1_open, level2_open;  // after the failure
-};
-
-class OpenFailure : public Instance,
-                    public ::testing::WithParamInterface<FailureCase> {
- protected:
-  const char *resolve(Path p, const std::string &good) {
-    switch (p) {
-      case Path::kGood:
-        return good.c_str();
-      case Path::kMissing:
-        missing_ = dir_.file("no-such-file");
-        return missing_.c_str();
-      case Path::kDirectory:
-        return dir_.path().c_str();
-      case Path::kNull:
-        return nullptr;
-    }
-    return nullptr;
-  }
-  std::string missing_;
-};
-
-TEST_P(OpenFailure, ReportsItsCodeAndLeavesABlockToClose) {
-  const FailureCase &c = GetParam();
-  // Extract paths of the table name places in the temporary directory.
-  std::string options = c.options != nullptr ? c.options : "";
-  if (options == "Wdir") options = "W" + dir_.path();
-  if (options == "Wmissing") options = "W" + dir_.file("none/extract");
-  if (options == "Xtemp") options = "X" + dir_.file("records.out");
-  EXPECT_EQ(open_with(c.options != nullptr ? options.c_str() : nullptr,
-                      resolve(c.level1, level1_), resolve(c.level2, level2_),
-                      resolve(c.basedata, basedata_)),
-            1);
-  EXPECT_EQ(retcode_, c.code);
-  ASSERT_NE(mcb_, nullptr);
-  EXPECT_EQ(mcb_->state, 'O');
-  EXPECT_EQ(mcb_->basefp != nullptr, c.base_open);
-  EXPECT_EQ(mcb_->lvl1fp != nullptr, c.level1_open);
-  EXPECT_EQ(mcb_->lvl2fp != nullptr, c.level2_open);
-  EXPECT_EQ(hk_mclo(&mcb_, nullptr), 0);
-  mcb_ = nullptr;
-  EXPECT_EQ(open_descriptors(), baseline_fds_);
-}
-
-constexpr Path G = Path::kGood, Miss = Path::kMissing, Dir = Path::kDirectory,
-               Null = Path::kNull;
-
-INSTANTIATE_TEST_SUITE_P(
-    Codes, OpenFailure,
-    ::testing::Values(
-        FailureCase{"extract_directory", "Wdir", G, G, G, '6', false, false,
-                    false},
-        FailureCase{"extract_in_missing_dir", "Wmissing", G, G, G, '6', false,
-                    false, false},
-        FailureCase{"extract_path_empty", "X", G, G, G, '6', false, false,
-                    false},
-        FailureCase{"basedata_null", "", G, G, Null, '6', false, false, false},
-        FailureCase{"basedata_missing", "", G, G, Miss, '6', false, false,
-                    false},
-        FailureCase{"basedata_directory", "", G, G, Dir, '6', false, false,
-                    false},
-        FailureCase{"level1_null", "", Null, G, G, '7', true, false, false},
-        FailureCase{"level1_missing", "", Miss, G, G, '7', true, false, false},
-        FailureCase{"level1_directory", "", Dir, G, G, '7', true, false, false},
-        FailureCase{"level2_null", "", G, Null, G, '8', true, true, false},
-        FailureCase{"level2_missing", "YM", G, Miss, G, '8', true, true, false},
-        FailureCase{"level2_directory", "", G, Dir, G, '8', true, true, false},
-        FailureCase{"level1_missing_with_extract", "Xtemp", Miss, G, G, '7',
-                    true, false, false},
-        FailureCase{"all_null", nullptr, Null, Null, Null, '6', false, false,
-                    false}),
-    [](const auto &info) { return std::string(info.param.name); });
-
-struct SegmentCase {
-  const char *name;
-  uint32_t off, len;
-  bool opens;
-};
-
-class SegmentBounds : public Instance,
-                      public ::testing::WithParamInterface<SegmentCase> {};
-
-TEST_P(SegmentBounds, IndexEntriesMustLieInsideLevel2) {
-  const SegmentCase &c = GetParam();
-  write_file(level1_, level1_record("A", 0, 10, 1) +
-                          level1_record("B", c.off, c.len, 1));
-  for (const char *options : {"", "YM"}) {
-    SCOPED_TRACE(options);
-    EXPECT_EQ(open(options), c.opens ? 0 : 1);
-    EXPECT_EQ(retcode_, c.opens ? '0' : '4');
-    // A refused index is dropped and LEVEL1 closed, so that callers can
-    // tell the failed instance from an open one.
+// Each file that cannot be opened has its own code and the files opened
+// before it stay with the block, which close releases.
+TEST_F(Instance, OpenFailureReportsItsCodeAndLeavesABlockToClose) {
+  enum Path { G, Miss, Dir, Null };
+  const struct {
+    const char *note;
+    std::string options;  // "-": no option string
+    Path level1, level2, basedata;
+    char code;
+    bool base_open, level1_open;  // LEVEL2 is never left open
+  } cases[] = {
+      {"extract is a directory", "W" + dir_.path(), G, G, G, '6', false, false},
+      {"extract path empty", "X", G, G, G, '6', false, false},
+      {"BASEDATA null", "", G, G, Null, '6', false, false},
+      {"BASEDATA missing", "", G, G, Miss, '6', false, false},
+      {"BASEDATA directory", "", G, G, Dir, '6', false, false},
+      {"LEVEL1 missing", "", Miss, G, G, '7', true, false},
+      {"LEVEL1 missing with extract", "X" + dir_.file("records.out"), Miss, G,
+       G, '7', true, false},
+      {"LEVEL2 null", "", G, Null, G, '8', true, true},
+      {"LEVEL2 missing in memory mode", "YM", G, Miss, G, '8', true, true},
+      {"LEVEL2 directory", "", G, Dir, G, '8', true, true},
+      {"all null", "-", Null, Null, Null, '6', false, false},
+  };
+  std::string missing = dir_.file("no-such-file");
+  auto resolve = [&](Path p, const std::string &good) -> const char * {
+    const char *paths[] = {good.c_str(), missing.c_str(), dir_.path().c_str(),
+                           nullptr};
+    return paths[p];
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.note);
+    EXPECT_EQ(open_with(c.options == "-" ? nullptr : c.options.c_str(),
+                        resolve(c.level1, level1_), resolve(c.level2, level2_),
+                        resolve(c.basedata, basedata_)),
+              1);
+    EXPECT_EQ(retcode_, c.code);
     ASSERT_NE(mcb_, nullptr);
-    EXPECT_EQ(mcb_->lvl1fp != nullptr, c.opens);
-    EXPECT_EQ(mcb_->lvl1cnt, c.opens ? 2 : 0);
+    EXPECT_EQ(mcb_->state, 'O');
+    EXPECT_EQ(mcb_->basefp != nullptr, c.base_open);
+    EXPECT_EQ(mcb_->lvl1fp != nullptr, c.level1_open);
+    EXPECT_EQ(mcb_->lvl2fp, nullptr);
+    EXPECT_EQ(hk_mclo(&mcb_, nullptr), 0);
+    mcb_ = nullptr;
+    EXPECT_EQ(open_descriptors(), baseline_fds_);
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Entries, SegmentBounds,
-    ::testing::Values(SegmentCase{"ends_at_the_end", kUnit - 100, 100, true},
-                      SegmentCase{"empty_at_the_end", kUnit, 0, true},
-                      SegmentCase{"one_byte_over", kUnit - 100, 101, false},
-                      SegmentCase{"starts_past_the_end", kUnit + 1, 0, false},
-                      SegmentCase{"wraps_in_32_bits", 0xFFFFFFF0u, 0x20,
-                                  false}),
-    [](const auto &info) { return std::string(info.param.name); });
+// Every index entry must lie inside LEVEL2, its end summed without 32-bit
+// wrap-around. A refused index is dropped and LEVEL1 closed, so that the
+// instance reads as one whose open failed.
+TEST_F(Instance, IndexEntriesMustLieInsideLevel2) {
+  static constexpr struct {
+    const char *note;
+    uint32_t off, len;
+    bool opens;
+  } kCases[] = {
+      {"ends at the end", kUnit - 100, 100, true},
+      {"empty at the end", kUnit, 0, true},
+      {"one byte over", kUnit - 100, 101, false},
+      {"starts past the end", kUnit + 1, 0, false},
+      {"wraps in 32 bits", 0xFFFFFFF0u, 0x20, false},
+  };
+  for (const auto &c : kCases) {
+    write_file(level1_, level1_record("A", 0, 10, 1) +
+                            level1_record("B", c.off, c.len, 1));
+    for (const char *options : {"", "YM"}) {
+      SCOPED_TRACE(std::string(c.note) + " / " + options);
+      EXPECT_EQ(open(options), c.opens ? 0 : 1);
+      EXPECT_EQ(retcode_, c.opens ? '0' : '4');
+      ASSERT_NE(mcb_, nullptr);
+      EXPECT_EQ(mcb_->lvl1fp != nullptr, c.opens);
+      EXPECT_EQ(mcb_->lvl1cnt, c.opens ? 2 : 0);
+    }
+  }
+}
 
 // A FIFO opens for reading but cannot be positioned, which is how a seek
-// failure of memory mode is reached. The test holds the FIFO open for
-// reading and writing, so that opening it never waits for a writer.
-class SeekFailure : public Instance {
- protected:
-  std::string make_fifo() {
-    std::string path = dir_.file("fifo");
-    EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
-    fifo_fd_ = ::open(path.c_str(), O_RDWR | O_NONBLOCK);
-    EXPECT_GE(fifo_fd_, 0);
-    baseline_fds_ = open_descriptors();
-    return path;
-  }
-  void TearDown() override {
-    Instance::TearDown();
-    if (fifo_fd_ >= 0) ::close(fifo_fd_);
-  }
-  int fifo_fd_ = -1;
-};
+// failure of memory mode is reached; file mode never seeks. The test holds
+// the FIFO open for reading and writing so that opening it never waits.
+TEST_F(Instance, SeekFailureInMemoryMode) {
+  std::string fifo = dir_.file("fifo");
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  int fifo_fd = ::open(fifo.c_str(), O_RDWR | O_NONBLOCK);
+  ASSERT_GE(fifo_fd, 0);
 
-TEST_F(SeekFailure, OnLevel2IsCode4) {
+  EXPECT_EQ(open_with("YM", level1_.c_str(), level2_.c_str(), fifo.c_str()), 1);
+  EXPECT_EQ(retcode_, '5');
   write_file(level1_, "");
-  std::string fifo = make_fifo();
   EXPECT_EQ(open_with("YM", level1_.c_str(), fifo.c_str(), basedata_.c_str()),
             1);
   EXPECT_EQ(retcode_, '4');
-}
-
-TEST_F(SeekFailure, OnBasedataIsCode5) {
-  std::string fifo = make_fifo();
-  EXPECT_EQ(open_with("YM", level1_.c_str(), level2_.c_str(), fifo.c_str()), 1);
-  EXPECT_EQ(retcode_, '5');
-}
-
-TEST_F(SeekFailure, FileModeDoesNotSeek) {
-  write_file(level1_, "");
-  std::string fifo = make_fifo();
   EXPECT_EQ(open_with("", level1_.c_str(), fifo.c_str(), fifo.c_str()), 0);
   EXPECT_EQ(mcb_->lvl2size, 0);
   EXPECT_EQ(mcb_->basesize, 0);
+
+  close();
+  ::close(fifo_fd);
 }
 
-// ---- memory mode
-// --------------------------------------------------------------------
-
+// Memory mode loads whole 23200-byte units and serves reads from them; the
+// partial unit at the end is left out and out of bounds.
 TEST_F(Instance, MemoryModeHoldsTheWholeUnits) {
   std::string level2 = patterned(2 * kUnit + 100);
   std::string basedata = "20260101" + patterned(kUnit - 8);
@@ -486,14 +344,10 @@ TEST_F(Instance, MemoryModeHoldsTheWholeUnits) {
   // Both files stay open: the header is read through basefp at close.
   EXPECT_NE(mcb_->basefp, nullptr);
   EXPECT_NE(mcb_->lvl2fp, nullptr);
-
-  // Reads are served from the images; the left-out tail is out of bounds.
   char buf[100];
   EXPECT_EQ(orlo::read_level2(mcb_, 2 * kUnit - 100, 100, buf), '0');
   EXPECT_EQ(std::memcmp(buf, level2.data() + 2 * kUnit - 100, 100), 0);
   EXPECT_EQ(orlo::read_level2(mcb_, 2 * kUnit, 1, buf), '4');
-  EXPECT_EQ(orlo::read_basedata(mcb_, 0, 8, buf), '0');
-  EXPECT_EQ(std::string(buf, 8), "20260101");
 }
 
 TEST_F(Instance, MemoryModeOfFilesShorterThanAUnitHoldsNothing) {
@@ -508,8 +362,8 @@ TEST_F(Instance, MemoryModeOfFilesShorterThanAUnitHoldsNothing) {
   EXPECT_EQ(orlo::read_basedata(mcb_, 0, 8, header), '5');
 }
 
-// The segment lies inside the file but in its final partial unit, which
-// memory mode leaves out: the index cannot be served and the open fails.
+// A segment inside the file but in the partial unit that memory mode leaves
+// out cannot be served: the open fails in memory mode only.
 TEST_F(Instance, MemoryModeRefusesSegmentsInTheLeftOutTail) {
   write_file(level2_, patterned(kUnit + 50));
   write_file(level1_, level1_record("A", kUnit, 50, 1));
@@ -519,28 +373,26 @@ TEST_F(Instance, MemoryModeRefusesSegmentsInTheLeftOutTail) {
 }
 
 // ---- close
-// ----------------------------------------------------------------------------
 
-TEST_F(Instance, CloseOfNothingDoesNothing) {
+// Close releases every file but leaves the handle word: the caller forgets
+// it. Without a block it does nothing.
+TEST_F(Instance, CloseKeepsTheHandleWordAndReleasesTheFiles) {
   HKMCB *none = nullptr;
   EXPECT_EQ(hk_mclo(&none, nullptr), 0);
   EXPECT_EQ(hk_mclo(nullptr, nullptr), 0);
-}
-
-TEST_F(Instance, CloseKeepsTheHandleWordAndReleasesTheFiles) {
   for (const char *options : {"", "YM"}) {
     ASSERT_EQ(open(options), 0);
     EXPECT_GT(open_descriptors(), baseline_fds_);
     HKMCB *word = mcb_;
     EXPECT_EQ(hk_mclo(&word, nullptr), 0);
-    EXPECT_EQ(word, mcb_);  // not cleared; the caller forgets it
+    EXPECT_EQ(word, mcb_);
     mcb_ = nullptr;
     EXPECT_EQ(open_descriptors(), baseline_fds_) << options;
   }
 }
 
-// What a search leaves behind belongs to the block; under the leak checker
-// this fails if close misses any of it.
+// What a search leaves behind belongs to the block, whether instance or
+// copy; under the leak checker a close that misses any of it fails.
 void leave_search_data(HKMCB *m) {
   m->lvl2cnt = 2;
   m->lvl2tab = static_cast<STREETENT *>(std::calloc(2, sizeof(STREETENT)));
@@ -555,66 +407,46 @@ void leave_search_data(HKMCB *m) {
   m->cands = static_cast<STREETENT **>(std::malloc(8 * sizeof(STREETENT *)));
 }
 
-// The private copy of an "R" call, made the way the dispatcher makes it.
-HKMCB *copy_for_one_record(const HKMCB *instance, bool share_files) {
+// The private copy of an "R" call with search data of its own: in memory
+// mode it shares the instance's files and images, otherwise it has its own
+// BASEDATA and LEVEL2 streams.
+HKMCB *copy_for_one_record(const HKMCB *instance, bool share_files,
+                           const std::string &base, const std::string &l2) {
   auto *copy = static_cast<HKMCB *>(std::malloc(sizeof(HKMCB)));
   std::memcpy(copy, instance, sizeof(HKMCB));
-  copy->lvl2cnt = 0;
-  copy->baserecs = copy->basecur = nullptr;
-  copy->blockbuf = copy->lvl2buf = nullptr;
-  copy->lvl2tab = nullptr;
-  copy->cands = nullptr;
-  std::memset(copy->lastkey, 0, sizeof copy->lastkey);
-  copy->lastname[0] = '\0';
-  copy->lastidx = copy->lastcnt = copy->laststat = 0;
-  copy->cacheused = copy->nread = copy->nmatched = 0;
   copy->state = 'R';
   copy->inmem = share_files ? 1 : 0;
   if (!share_files) {
     copy->lvl2mem = copy->basemem = nullptr;
-    copy->outfp = nullptr;
+    copy->basefp = std::fopen(base.c_str(), "rb");
+    copy->lvl2fp = std::fopen(l2.c_str(), "rb");
   }
+  leave_search_data(copy);
   return copy;
 }
 
-TEST_F(Instance, CloseFreesWhatTheSearchLeft) {
-  ASSERT_EQ(open(""), 0);
-  leave_search_data(mcb_);
-  close();
-}
-
-TEST_F(Instance, CopySharingTheFilesLeavesThemToTheInstance) {
+// Closing a copy frees its search data and its own streams, never the
+// images, index or files it shares with the instance.
+TEST_F(Instance, CloseOfACopyReleasesOnlyWhatIsItsOwn) {
   write_file(basedata_, "20260101" + patterned(kUnit - 8));
-  ASSERT_EQ(open("YM"), 0);
-  long open_fds = open_descriptors();
-  HKMCB *copy = copy_for_one_record(mcb_, true);
-  leave_search_data(copy);
-  EXPECT_EQ(hk_mclo(&copy, nullptr), 0);
-  EXPECT_EQ(open_descriptors(), open_fds);
-  // The images and the index are still the instance's to use.
-  char buf[8];
-  EXPECT_EQ(orlo::read_basedata(mcb_, 0, 8, buf), '0');
-  EXPECT_EQ(std::string(buf, 8), "20260101");
-  EXPECT_EQ(mcb_->lvl1tab[1].l2cnt, 17);
-  char header[8];
-  ASSERT_EQ(std::fseek(mcb_->basefp, 0, SEEK_SET), 0);
-  EXPECT_EQ(std::fread(header, 1, 8, mcb_->basefp), 8u);
-}
-
-TEST_F(Instance, CopyWithItsOwnFilesClosesOnlyThose) {
-  ASSERT_EQ(open(""), 0);
-  long open_fds = open_descriptors();
-  HKMCB *copy = copy_for_one_record(mcb_, false);
-  copy->basefp = std::fopen(basedata_.c_str(), "rb");
-  copy->lvl2fp = std::fopen(level2_.c_str(), "rb");
-  ASSERT_NE(copy->basefp, nullptr);
-  ASSERT_NE(copy->lvl2fp, nullptr);
-  EXPECT_EQ(open_descriptors(), open_fds + 2);
-  EXPECT_EQ(hk_mclo(&copy, nullptr), 0);
-  EXPECT_EQ(open_descriptors(), open_fds);
-  char buf[8];
-  EXPECT_EQ(orlo::read_basedata(mcb_, 0, 8, buf), '0');
-  EXPECT_EQ(orlo::read_level2(mcb_, 0, 8, buf), '0');
+  for (bool share : {true, false}) {
+    SCOPED_TRACE(share ? "sharing" : "own files");
+    ASSERT_EQ(open(share ? "YM" : ""), 0);
+    long open_fds = open_descriptors();
+    HKMCB *copy = copy_for_one_record(mcb_, share, basedata_, level2_);
+    ASSERT_NE(copy->basefp, nullptr);
+    ASSERT_NE(copy->lvl2fp, nullptr);
+    EXPECT_EQ(open_descriptors(), open_fds + (share ? 0 : 2));
+    EXPECT_EQ(hk_mclo(&copy, nullptr), 0);
+    EXPECT_EQ(open_descriptors(), open_fds);
+    char buf[8];
+    EXPECT_EQ(orlo::read_basedata(mcb_, 0, 8, buf), '0');
+    EXPECT_EQ(std::string(buf, 8), "20260101");
+    EXPECT_EQ(orlo::read_level2(mcb_, 0, 8, buf), '0');
+    EXPECT_EQ(mcb_->lvl1tab[1].l2cnt, 17);
+    ASSERT_EQ(std::fseek(mcb_->basefp, 0, SEEK_SET), 0);
+    EXPECT_EQ(std::fread(buf, 1, 8, mcb_->basefp), 8u);
+  }
 }
 
 }  // namespace

@@ -18,24 +18,6 @@ namespace {
 namespace refdb = orlo::tools::refdb;
 using Bytes = std::vector<unsigned char>;
 
-// ---- hk_stsd ----------------------------------------------------------------
-
-struct ItemCase {
-  const char *name;
-  Bytes item;
-  std::string text;
-};
-
-class ItemDecoding : public ::testing::TestWithParam<ItemCase> {};
-
-TEST_P(ItemDecoding, GivesTheText) {
-  const ItemCase &c = GetParam();
-  char text[40];
-  std::memset(text, '#', sizeof text);  // stale text must not show through
-  hk_stsd(c.item.data(), text);
-  EXPECT_EQ(std::string(text), c.text);
-}
-
 Bytes text_item(const std::string &s) {
   Bytes item(s.size() + 1);
   item[0] = static_cast<unsigned char>(0xE0 | s.size());
@@ -44,28 +26,38 @@ Bytes text_item(const std::string &s) {
   return item;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Items, ItemDecoding,
-    ::testing::Values(ItemCase{"number_16", {0x82, 0x01, 0x2C}, "300"},
-                      ItemCase{"number_16_type_101", {0xA2, 0x00, 0x0A}, "10"},
-                      ItemCase{"number_16_max", {0x82, 0xFF, 0xFF}, "65535"},
-                      ItemCase{
-                          "long_32", {0x64, 0x00, 0x01, 0x86, 0xA0}, "100000"},
-                      ItemCase{"long_32_max_unsigned",
-                               {0x64, 0xFF, 0xFF, 0xFF, 0xFF},
-                               "4294967295"},
-                      ItemCase{"small_8", {0xC1, 0xFF}, "255"},
-                      ItemCase{"small_8_zero", {0xC1, 0x00}, "0"},
-                      ItemCase{"text_empty", {0xE0}, ""},
-                      ItemCase{"text", text_item("G/F"), "G/F"},
-                      ItemCase{"text_31_bytes", text_item(std::string(31, 'Q')),
-                               std::string(31, 'Q')},
-                      ItemCase{"unknown_000", {0x02, 'A', 'B'}, ""},
-                      ItemCase{"unknown_001", {0x22, 'A', 'B'}, ""},
-                      ItemCase{"unknown_010", {0x42, 'A', 'B'}, ""}),
-    [](const auto &info) { return std::string(info.param.name); });
+// Each item type at its bounds; the types 000, 001 and 010 are unknown and
+// decode to nothing (the type bits overlap, so their order of testing
+// matters). Stale text must not show through.
+TEST(ItemDecoding, GivesTheText) {
+  const struct {
+    const char *note;
+    Bytes item;
+    std::string text;
+  } cases[] = {
+      {"number", {0x82, 0x01, 0x2C}, "300"},
+      {"number, type 101", {0xA2, 0x00, 0x0A}, "10"},
+      {"number max", {0x82, 0xFF, 0xFF}, "65535"},
+      {"long", {0x64, 0x00, 0x01, 0x86, 0xA0}, "100000"},
+      {"long max unsigned", {0x64, 0xFF, 0xFF, 0xFF, 0xFF}, "4294967295"},
+      {"small max", {0xC1, 0xFF}, "255"},
+      {"small zero", {0xC1, 0x00}, "0"},
+      {"text empty", {0xE0}, ""},
+      {"text", text_item("G/F"), "G/F"},
+      {"text 31 bytes", text_item(std::string(31, 'Q')), std::string(31, 'Q')},
+      {"unknown 000", {0x02, 'A', 'B'}, ""},
+      {"unknown 001", {0x22, 'A', 'B'}, ""},
+      {"unknown 010", {0x42, 'A', 'B'}, ""},
+  };
+  for (const auto &c : cases) {
+    char text[40];
+    std::memset(text, '#', sizeof text);
+    hk_stsd(c.item.data(), text);
+    EXPECT_EQ(std::string(text), c.text) << c.note;
+  }
+}
 
-// ---- packed record builder --------------------------------------------------
+// ---- packed record builder
 
 // A packed base record built from items per field (1 to 10): presence bits,
 // length byte and the items in field order.
@@ -114,9 +106,10 @@ HKBASEREC unpacked(const Bytes &packed) {
 }
 
 // ---- hk_unpk
-// ------------------------------------------------------------------
 
-TEST(Unpack, AbsentFieldsAreEmpty) {
+// Absent fields are emptied with the defaults of an empty range; the
+// search's own fields (score, candidate, penalty) are left alone.
+TEST(Unpack, AbsentFieldsAreEmptyAndSearchFieldsKept) {
   HKBASEREC r = unpacked(Packed().bytes());
   for (const char *text : {r.brefcode, r.brefid, r.bbldg, r.bparity, r.bqual1,
                            r.blotext, r.bqual2, r.bhitext, r.bfld9, r.baddr})
@@ -127,10 +120,6 @@ TEST(Unpack, AbsentFieldsAreEmpty) {
   EXPECT_EQ(r.blotyp, ' ');
   EXPECT_EQ(r.bhisubtyp, ' ');
   EXPECT_EQ(r.bmscore, 0);
-}
-
-TEST(Unpack, LeavesTheSearchFieldsAlone) {
-  HKBASEREC r = unpacked(Packed().text(1, "ABC").bytes());
   EXPECT_EQ(r.bscore, 91);
   EXPECT_EQ(r.bcand, 7);
   EXPECT_EQ(r.bpen, 3);
@@ -167,7 +156,6 @@ TEST(Unpack, PutsEachFieldInItsPlace) {
   EXPECT_EQ(r.bhirc, 0);
   EXPECT_EQ(r.bhinum, 27);
   EXPECT_EQ(r.bhityp, 'N');
-  EXPECT_EQ(r.bmscore, 0);
 }
 
 // Presence byte 2 holds only fields 9 and 10; byte 3 is not read at all.
@@ -180,6 +168,8 @@ TEST(Unpack, IgnoresTheUnusedPresenceBits) {
   EXPECT_STREQ(r.baddr, "ADDR");
 }
 
+// Long texts are cut to their fields (field 9 to four characters) and the
+// items after them are still found where they start.
 TEST(Unpack, CutsTextsToTheirFieldWidths) {
   HKBASEREC r = unpacked(Packed()
                              .text(1, "ABCDEF")
@@ -194,12 +184,12 @@ TEST(Unpack, CutsTextsToTheirFieldWidths) {
   EXPECT_EQ(std::string(r.bbldg), std::string(30, 'B'));
   EXPECT_STREQ(r.bparity, "E");
   EXPECT_STREQ(r.bfld9, "ABCD");
-  // The items after the long ones are still found where they start.
   EXPECT_STREQ(r.baddr, "END");
 }
 
+// Only an upper-case E or O names a side; anything else is both sides.
 TEST(Unpack, SideFollowsTheParityField) {
-  struct {
+  const struct {
     const char *parity;  // nullptr: field 4 absent
     char side;
   } cases[] = {{"E", 'E'}, {"O", 'O'}, {"X", 'B'},
@@ -212,70 +202,43 @@ TEST(Unpack, SideFollowsTheParityField) {
   }
 }
 
-// ---- the range check
-// ------------------------------------------------------------
-
-HKBASEREC range(const std::string &lo, const std::string &hi) {
-  return unpacked(Packed().text(6, lo).text(8, hi).bytes());
-}
-
-TEST(UnpackRange, HighToLowIsExchanged) {
-  HKBASEREC r = range("12", "8");
-  EXPECT_STREQ(r.blotext, "8");
-  EXPECT_STREQ(r.bhitext, "12");
-  EXPECT_EQ(r.blonum, 8);
-  EXPECT_EQ(r.bhinum, 12);
-  EXPECT_EQ(r.blotyp, 'N');
-  EXPECT_EQ(r.bhityp, 'N');
-}
-
-// A fraction is neither a number nor letters: the range is exchanged and the
-// fraction moves with its number.
-TEST(UnpackRange, SecondPartsTravelWithTheirNumbers) {
-  HKBASEREC r = range("9 1/2", "8");
-  EXPECT_STREQ(r.blotext, "8");
-  EXPECT_STREQ(r.bhitext, "9 1/2");
+// A plain numeric range written high to low is put in order (a fraction is
+// neither a number nor letters, so it travels with its number); a second
+// part of number or letters, a non-numeric end or an ordered range stays.
+TEST(UnpackRange, OnlyPlainHighToLowRangesAreExchanged) {
+  const struct {
+    const char *lo, *hi, *shown_lo, *shown_hi;
+  } cases[] = {
+      {"12", "8", "8", "12"},     {"9 1/2", "8", "8", "9 1/2"},
+      {"12A", "8", "12A", "8"},   {"12", "8B", "12", "8B"},
+      {"12-1", "8", "12-1", "8"}, {"12", "8 3", "12", "8 3"},
+      {"8", "12", "8", "12"},     {"8", "8", "8", "8"},
+      {"B", "A", "B", "A"},       {"12", "", "12", ""},
+      {"", "8", "", "8"},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(std::string(c.lo) + " to " + c.hi);
+    HKBASEREC r = unpacked(Packed().text(6, c.lo).text(8, c.hi).bytes());
+    EXPECT_STREQ(r.blotext, c.shown_lo);
+    EXPECT_STREQ(r.bhitext, c.shown_hi);
+  }
+  // The parsed numbers and second parts are exchanged with the texts.
+  HKBASEREC r = unpacked(Packed().text(6, "9 1/2").text(8, "8").bytes());
   EXPECT_EQ(r.blonum, 8);
   EXPECT_EQ(r.blosub, 0);
   EXPECT_EQ(r.blosubtyp, ' ');
   EXPECT_EQ(r.bhinum, 9);
   EXPECT_EQ(r.bhisub, 3);
   EXPECT_EQ(r.bhisubtyp, 'F');
-}
-
-TEST(UnpackRange, NumericItemsAreExchangedLikeTexts) {
-  HKBASEREC r = unpacked(
+  EXPECT_EQ(r.bhityp, 'N');
+  // Numeric items are exchanged like texts.
+  r = unpacked(
       Packed().item(6, {0x82, 0x01, 0x2C}).item(8, {0xC1, 40}).bytes());
   EXPECT_STREQ(r.blotext, "40");
   EXPECT_STREQ(r.bhitext, "300");
 }
 
-TEST(UnpackRange, SecondPartOfNumberOrLettersIsNeverExchanged) {
-  struct {
-    const char *lo, *hi;
-  } cases[] = {{"12A", "8"}, {"12", "8B"}, {"12-1", "8"}, {"12", "8 3"}};
-  for (const auto &c : cases) {
-    HKBASEREC r = range(c.lo, c.hi);
-    EXPECT_STREQ(r.blotext, c.lo);
-    EXPECT_STREQ(r.bhitext, c.hi);
-    EXPECT_EQ(r.blonum, 12) << c.lo;
-    EXPECT_EQ(r.bhinum, 8) << c.hi;
-  }
-}
-
-TEST(UnpackRange, OrderedOrNonNumericRangesStay) {
-  struct {
-    const char *lo, *hi;
-  } cases[] = {{"8", "12"}, {"8", "8"}, {"B", "A"}, {"12", ""}, {"", "8"}};
-  for (const auto &c : cases) {
-    HKBASEREC r = range(c.lo, c.hi);
-    EXPECT_STREQ(r.blotext, c.lo);
-    EXPECT_STREQ(r.bhitext, c.hi);
-  }
-}
-
 // ---- unpack_checked
-// ---------------------------------------------------------------
 
 Bytes full_record() {
   return Packed()
@@ -289,10 +252,10 @@ Bytes full_record() {
       .bytes();
 }
 
+// On a sound record the bounded unpack gives exactly what hk_unpk gives
+// (both start from the same bytes, so even padding compares equal).
 TEST(UnpackChecked, AgreesWithUnpack) {
   Bytes packed = full_record();
-  // Both start from the same bytes and are unpacked in place, so that even
-  // their padding compares equal.
   HKBASEREC checked, plain;
   std::memset(&checked, 'Z', sizeof checked);
   std::memset(&plain, 'Z', sizeof plain);
@@ -303,48 +266,24 @@ TEST(UnpackChecked, AgreesWithUnpack) {
   EXPECT_STREQ(checked.brefid, "12345");
 }
 
-TEST(UnpackChecked, ReadsOnlyItsOwnLength) {
+// It reads only its own length of a block and counts only the records it
+// unpacks.
+TEST(UnpackChecked, ReadsOnlyItsOwnLengthAndCountsWhatItUnpacks) {
   Bytes block = full_record();
   size_t first = block.size();
   Bytes second = Packed().text(1, "XYZ").bytes();
   block.insert(block.end(), second.begin(), second.end());
+  Bytes bad = {2, 0, 0, 0};
   HKBASEREC r;
+  uint64_t before = orlo::access_counters().unpacks;
   ASSERT_TRUE(orlo::unpack_checked(&r, block.data(), block.size()));
   EXPECT_STREQ(r.brefcode, "R01");
+  ASSERT_FALSE(orlo::unpack_checked(&r, bad.data(), bad.size()));
   ASSERT_TRUE(
       orlo::unpack_checked(&r, block.data() + first, block.size() - first));
   EXPECT_STREQ(r.brefcode, "XYZ");
   EXPECT_STREQ(r.baddr, "");
-}
-
-TEST(UnpackChecked, CountsOnlyRecordsItUnpacks) {
-  Bytes good = full_record();
-  Bytes bad = {2, 0, 0, 0};
-  HKBASEREC r;
-  uint64_t before = orlo::access_counters().unpacks;
-  ASSERT_TRUE(orlo::unpack_checked(&r, good.data(), good.size()));
-  ASSERT_FALSE(orlo::unpack_checked(&r, bad.data(), bad.size()));
-  ASSERT_TRUE(orlo::unpack_checked(&r, good.data(), good.size()));
   EXPECT_EQ(orlo::access_counters().unpacks - before, 2u);
-}
-
-struct Malformed {
-  const char *name;
-  Bytes bytes;
-  size_t avail;  // 0: the size of bytes
-};
-
-class UnpackCheckedRejects : public ::testing::TestWithParam<Malformed> {};
-
-TEST_P(UnpackCheckedRejects, Shape) {
-  const Malformed &c = GetParam();
-  // The record sits at the end of a heap buffer of exactly its size, so a
-  // read past it is also caught by the address sanitizer.
-  size_t avail = c.avail != 0 ? c.avail : c.bytes.size();
-  std::vector<unsigned char> buf(c.bytes.begin(),
-                                 c.bytes.begin() + static_cast<long>(avail));
-  HKBASEREC r;
-  EXPECT_FALSE(orlo::unpack_checked(&r, buf.data(), buf.size()));
 }
 
 Bytes with_length(Bytes b, unsigned char length) {
@@ -352,29 +291,38 @@ Bytes with_length(Bytes b, unsigned char length) {
   return b;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Shapes, UnpackCheckedRejects,
-    ::testing::Values(
-        Malformed{"length_zero", {0, 0, 0, 0}, 0},
-        Malformed{"length_below_header", {3, 0, 0, 0}, 0},
-        Malformed{"length_negative", with_length(Packed().bytes(), 0x84), 0},
-        Malformed{"length_beyond_block", Packed().text(1, "ABC").bytes(), 6},
-        Malformed{"block_shorter_than_header", {4, 0, 0}, 0},
-        Malformed{"item_header_past_end",
-                  with_length(Packed().text(1, "ABC").bytes(), 4), 0},
-        Malformed{"text_past_end",
-                  with_length(Packed().text(1, "ABC").bytes(), 7), 0},
-        Malformed{"number_past_end", Bytes{6, 0x20, 0, 0, 0x82, 0x01}, 0},
-        Malformed{"long_past_end", Bytes{8, 0x20, 0, 0, 0x64, 0, 1, 2}, 0},
-        Malformed{"number_wider_than_its_item",
-                  Bytes{6, 0x20, 0, 0, 0xC0, 0x07}, 0},
-        Malformed{"later_field_past_end",
-                  with_length(Packed().text(1, "AB").text(10, "CD").bytes(), 9),
-                  0},
-        Malformed{"unknown_type_000", Bytes{7, 0x01, 0, 0, 0x02, 'A', 'B'}, 0},
-        Malformed{"unknown_type_001", Bytes{7, 0x01, 0, 0, 0x22, 'A', 'B'}, 0},
-        Malformed{"unknown_type_010", Bytes{7, 0x01, 0, 0, 0x42, 'A', 'B'}, 0}),
-    [](const auto &info) { return std::string(info.param.name); });
+// Every malformed shape is refused. Each record sits at the end of a heap
+// buffer of exactly its size, so that a read past it is also caught by the
+// address sanitizer.
+TEST(UnpackChecked, RejectsMalformedRecords) {
+  const struct {
+    const char *note;
+    Bytes bytes;
+    size_t avail;  // 0: the size of bytes
+  } cases[] = {
+      {"length zero", {0, 0, 0, 0}, 0},
+      {"length below header", {3, 0, 0, 0}, 0},
+      {"length negative", with_length(Packed().bytes(), 0x84), 0},
+      {"length beyond block", Packed().text(1, "ABC").bytes(), 6},
+      {"block shorter than header", {4, 0, 0}, 0},
+      {"item header past end", with_length(Packed().text(1, "ABC").bytes(), 4),
+       0},
+      {"text past end", with_length(Packed().text(1, "ABC").bytes(), 7), 0},
+      {"number past end", {6, 0x20, 0, 0, 0x82, 0x01}, 0},
+      {"long past end", {8, 0x20, 0, 0, 0x64, 0, 1, 2}, 0},
+      {"number wider than its item", {6, 0x20, 0, 0, 0xC0, 0x07}, 0},
+      {"later field past end",
+       with_length(Packed().text(1, "AB").text(10, "CD").bytes(), 9), 0},
+      {"unknown type", {7, 0x01, 0, 0, 0x42, 'A', 'B'}, 0},
+  };
+  for (const auto &c : cases) {
+    size_t avail = c.avail != 0 ? c.avail : c.bytes.size();
+    std::vector<unsigned char> buf(c.bytes.begin(),
+                                   c.bytes.begin() + static_cast<long>(avail));
+    HKBASEREC r;
+    EXPECT_FALSE(orlo::unpack_checked(&r, buf.data(), buf.size())) << c.note;
+  }
+}
 
 TEST(UnpackChecked, AcceptsARecordThatFillsTheBlockExactly) {
   Bytes packed = Packed().text(10, std::string(30, 'A')).bytes();
@@ -385,40 +333,19 @@ TEST(UnpackChecked, AcceptsARecordThatFillsTheBlockExactly) {
   EXPECT_TRUE(orlo::unpack_checked(&r, empty.data(), empty.size()));
 }
 
-// ---- records written by the database builder --------------------------------
+// ---- records written by the database builder
 
-// Reads the block of the first street of the only region through the
-// bounded reads of an open instance and unpacks its records by their length
-// bytes, as the search walks a block.
-std::map<std::string, HKBASEREC> first_block(const HKMCB *mcb) {
-  std::map<std::string, HKBASEREC> records;
-  const L1ENTRY &region = mcb->lvl1tab[0];
-  std::string segment(region.l2len, '\0');
-  EXPECT_EQ(orlo::read_level2(mcb, region.l2off, region.l2len, segment.data()),
-            '0');
-  auto *street = reinterpret_cast<const unsigned char *>(segment.data());
-  uint32_t boff = refdb::get_be32(street);
-  uint32_t blen = refdb::get_be32(street + 4);
-  uint16_t bcnt = refdb::get_be16(street + 8);
-  EXPECT_STREQ(reinterpret_cast<const char *>(street + 10), "NATHAN ROAD");
-  std::vector<unsigned char> block(blen);
-  EXPECT_EQ(orlo::read_basedata(mcb, boff, blen,
-                                reinterpret_cast<char *>(block.data())),
-            '0');
-  size_t pos = 0;
-  for (uint16_t i = 0; i < bcnt && pos < blen; ++i) {
-    HKBASEREC r;
-    if (!orlo::unpack_checked(&r, block.data() + pos, blen - pos)) {
-      ADD_FAILURE() << "record " << i << " at " << pos;
-      break;
-    }
-    records[r.brefcode] = r;
-    pos += block[pos];
-  }
-  EXPECT_EQ(pos, blen);
-  return records;
+// The text fields of a record and its side, joined with '|'.
+std::string summary(const HKBASEREC &r) {
+  std::string s;
+  for (const char *text : {r.brefcode, r.brefid, r.bbldg, r.bqual1, r.blotext,
+                           r.bqual2, r.bhitext, r.bfld9, r.baddr})
+    s += std::string(text) + "|";
+  return s + r.bside;
 }
 
+// The builder's records read back through the bounded reads of an open
+// instance, walked by their length bytes as the search walks a block.
 TEST(UnpackBuiltDatabase, GivesBackTheRowsInBothModes) {
   orlo::testing::TestDb db(
       "KOWLOON,NATHAN ROAD,R01,12345,GOLDEN TOWER,O,G/F,11,UPPER,27,KLN,"
@@ -434,33 +361,36 @@ TEST(UnpackBuiltDatabase, GivesBackTheRowsInBothModes) {
               0)
         << rc;
     ASSERT_EQ(mcb->lvl1cnt, 1);
-    std::map<std::string, HKBASEREC> records = first_block(mcb);
+    const L1ENTRY &region = mcb->lvl1tab[0];
+    std::string segment(region.l2len, '\0');
+    ASSERT_EQ(
+        orlo::read_level2(mcb, region.l2off, region.l2len, segment.data()),
+        '0');
+    auto *street = reinterpret_cast<const unsigned char *>(segment.data());
+    EXPECT_STREQ(reinterpret_cast<const char *>(street + 10), "NATHAN ROAD");
+    uint32_t blen = refdb::get_be32(street + 4);
+    ASSERT_EQ(refdb::get_be16(street + 8), 3);
+    std::vector<unsigned char> block(blen);
+    ASSERT_EQ(orlo::read_basedata(mcb, refdb::get_be32(street), blen,
+                                  reinterpret_cast<char *>(block.data())),
+              '0');
     hk_mclo(&mcb, nullptr);
-    ASSERT_EQ(records.size(), 3u);
-
-    const HKBASEREC &r1 = records["R01"];
-    EXPECT_STREQ(r1.brefid, "12345");
-    EXPECT_STREQ(r1.bbldg, "GOLDEN TOWER");
-    EXPECT_EQ(r1.bside, 'O');
-    EXPECT_STREQ(r1.bqual1, "G/F");
-    EXPECT_STREQ(r1.blotext, "11");
-    EXPECT_STREQ(r1.bqual2, "UPPER");
-    EXPECT_STREQ(r1.bhitext, "27");
-    EXPECT_STREQ(r1.bfld9, "KLN");
-    EXPECT_STREQ(r1.baddr, "1 NATHAN ROAD");
-
-    const HKBASEREC &r2 = records["R02"];
-    EXPECT_STREQ(r2.brefid, "70000");
-    EXPECT_EQ(r2.bside, 'E');
-    EXPECT_STREQ(r2.blotext, "12");
-    EXPECT_STREQ(r2.bhitext, "30");
-    EXPECT_STREQ(r2.baddr, "");
-
-    const HKBASEREC &r3 = records["R03"];
-    EXPECT_STREQ(r3.blotext, "0012");
-    EXPECT_EQ(r3.blonum, 12);
-    EXPECT_EQ(r3.bhirc, 2);
-    EXPECT_EQ(r3.bside, 'B');
+    std::map<std::string, HKBASEREC> records;
+    size_t pos = 0;
+    for (int i = 0; i < 3; ++i) {
+      HKBASEREC r;
+      ASSERT_LT(pos, blen);
+      ASSERT_TRUE(orlo::unpack_checked(&r, block.data() + pos, blen - pos));
+      records[r.brefcode] = r;
+      pos += block[pos];
+    }
+    EXPECT_EQ(pos, blen);
+    EXPECT_EQ(summary(records["R01"]),
+              "R01|12345|GOLDEN TOWER|G/F|11|UPPER|27|KLN|1 NATHAN ROAD|O");
+    EXPECT_EQ(summary(records["R02"]), "R02|70000|||12||30|||E");
+    EXPECT_EQ(summary(records["R03"]), "R03||||0012|||||B");
+    EXPECT_EQ(records["R03"].blonum, 12);
+    EXPECT_EQ(records["R03"].bhirc, 2);
   }
 }
 

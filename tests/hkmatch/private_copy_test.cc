@@ -63,7 +63,7 @@ TEST_F(PrivateCopy, InstanceIsLeftByteForByte) {
   open();
   give_history();
   std::string before = block_bytes(mcb());
-  for (const char *options : {"", "N", "NM", "Nm", "L"}) {
+  for (const char *options : {"", "NM", "L"}) {
     private_call(options);
     EXPECT_EQ(out_[0], '1') << options;
     EXPECT_EQ(block_bytes(mcb()), before) << options;
@@ -87,13 +87,6 @@ TEST_F(PrivateCopy, CopyStartsWithCleanStateAndZeroCounters) {
   EXPECT_EQ(c.laststat, 0);
   EXPECT_EQ(c.cachemax, 3000000);
   EXPECT_EQ(c.cacheused, 0);
-  EXPECT_EQ(c.lvl2cnt, 0);
-  EXPECT_EQ(c.lvl2tab, nullptr);
-  EXPECT_EQ(c.lvl2buf, nullptr);
-  EXPECT_EQ(c.cands, nullptr);
-  EXPECT_EQ(c.baserecs, nullptr);
-  EXPECT_EQ(c.basecur, nullptr);
-  EXPECT_EQ(c.blockbuf, nullptr);
   // The index is shared with the instance.
   EXPECT_EQ(c.lvl1tab, mcb().lvl1tab);
   EXPECT_EQ(c.lvl1cnt, mcb().lvl1cnt);
@@ -125,37 +118,30 @@ TEST_F(PrivateCopy, WithoutMemoryModeTheCopyOpensItsOwnFiles) {
   }
 }
 
+// A memory-mode copy shares the instance's files and images (none when the
+// instance itself reads from files) and leaves them open.
 TEST_F(PrivateCopy, MemoryModeSharesTheInstancesFilesAndImages) {
-  open("NM");
-  int before = open_descriptors();
-  for (const char *options : {"NM", "Xm", "YMORE"}) {
-    private_call(options);
-    const HKMCB &c = searched();
-    EXPECT_EQ(c.inmem, 1) << options;
-    EXPECT_EQ(c.basefp, mcb().basefp);
-    EXPECT_EQ(c.lvl2fp, mcb().lvl2fp);
-    EXPECT_EQ(c.lvl2mem, mcb().lvl2mem);
-    EXPECT_EQ(c.basemem, mcb().basemem);
-    EXPECT_EQ(c.lvl2size, mcb().lvl2size);
-    EXPECT_EQ(descriptors_in_search, before) << options;
+  for (const char *instance_options : {"NM", ""}) {
+    open(instance_options);
+    int before = open_descriptors();
+    for (const char *options : {"NM", "Xm", "YMORE"}) {
+      SCOPED_TRACE(std::string(instance_options) + " / " + options);
+      private_call(options);
+      const HKMCB &c = searched();
+      EXPECT_EQ(c.inmem, 1);
+      EXPECT_EQ(c.basefp, mcb().basefp);
+      EXPECT_EQ(c.lvl2fp, mcb().lvl2fp);
+      EXPECT_EQ(c.lvl2mem, mcb().lvl2mem);
+      EXPECT_EQ(c.basemem, mcb().basemem);
+      EXPECT_EQ(c.lvl2size, mcb().lvl2size);
+      EXPECT_EQ(descriptors_in_search, before);
+    }
+    struct stat st;
+    EXPECT_EQ(fstat(fileno(mcb().basefp), &st), 0) << "still open";
+    EXPECT_EQ(fstat(fileno(mcb().lvl2fp), &st), 0) << "still open";
+    EXPECT_EQ(mcb().lvl2mem != nullptr, instance_options[0] != '\0');
+    call("C", "L");
   }
-  // The shared files are still the instance's and still open.
-  struct stat st;
-  EXPECT_EQ(fstat(fileno(mcb().basefp), &st), 0);
-  EXPECT_EQ(fstat(fileno(mcb().lvl2fp), &st), 0);
-  EXPECT_NE(mcb().lvl2mem, nullptr);
-}
-
-TEST_F(PrivateCopy, MemoryModeCopyOfAFileModeInstanceUsesItsFiles) {
-  open("");
-  int before = open_descriptors();
-  private_call("NM");
-  EXPECT_EQ(searched().inmem, 1);
-  EXPECT_EQ(searched().basefp, mcb().basefp);
-  EXPECT_EQ(searched().lvl2mem, nullptr);
-  EXPECT_EQ(descriptors_in_search, before);
-  struct stat st;
-  EXPECT_EQ(fstat(fileno(mcb().basefp), &st), 0) << "still open";
 }
 
 void write_copy(HKMCB *mcb) {
@@ -163,35 +149,30 @@ void write_copy(HKMCB *mcb) {
   std::fputs("COPY", mcb->outfp);
 }
 
-TEST_F(PrivateCopy, FileModeRecreatesTheExtractFile) {
+// In memory mode the copy writes to the instance's extract file and leaves
+// it open; otherwise it recreates the file (emptied, written by the copy and
+// closed, so flushed, with it).
+TEST_F(PrivateCopy, ExtractFileIsTheCopysOwnUnlessInMemoryMode) {
   std::string extract = db_->dir() + "/extract.dat";
   open(("W" + extract).c_str());
   ASSERT_NE(mcb().outfp, nullptr);
   std::fputs("INSTANCE", mcb().outfp);
   std::fflush(mcb().outfp);
-  int before = open_descriptors();
-
-  private_call(("W" + extract).c_str());  // second character not 'M'
-  EXPECT_NE(searched().outfp, mcb().outfp);
-  script_.on_search = write_copy;
-  script_.results = {Result{}.build()};
-  call("R", "");
-  // Emptied, written by the copy and closed (so flushed) with it.
-  EXPECT_EQ(read_file(extract), "COPY");
-  EXPECT_EQ(open_descriptors(), before);
-}
-
-TEST_F(PrivateCopy, MemoryModeKeepsTheInstancesExtractFile) {
-  std::string extract = db_->dir() + "/extract.dat";
-  open(("X" + extract).c_str());
-  std::fputs("INSTANCE", mcb().outfp);
-  std::fflush(mcb().outfp);
-  private_call("XM");
+  private_call("WM");
   EXPECT_EQ(searched().outfp, mcb().outfp);
   EXPECT_EQ(read_file(extract), "INSTANCE");
-  std::fputs("+MORE", mcb().outfp);  // the instance's file is still open
+  std::fputs("+MORE", mcb().outfp);
   std::fflush(mcb().outfp);
   EXPECT_EQ(read_file(extract), "INSTANCE+MORE");
+
+  int before = open_descriptors();
+  script_ = Script{};
+  script_.on_search = write_copy;
+  script_.results = {Result{}.build()};
+  call("R", "Wother");  // second character not 'M'
+  EXPECT_NE(searched().outfp, mcb().outfp);
+  EXPECT_EQ(read_file(extract), "COPY");
+  EXPECT_EQ(open_descriptors(), before);
 }
 
 TEST_F(PrivateCopy, FilesThatCannotBeOpenedEndTheCall) {
