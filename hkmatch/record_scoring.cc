@@ -202,7 +202,7 @@ int64_t writable_records(const HKMCB *mcb, int32_t count) {
       n += e.bcnt;
       continue;
     }
-    bool inside = int64_t{e.boff} + e.blen <= mcb->basesize;
+    bool inside = basedata_range_inside(mcb, e.boff, e.blen);
     int64_t fit = inside ? e.blen / kMinRecordLength + 1 : 0;
     n += std::min<int64_t>(e.bcnt, fit);
   }

@@ -55,6 +55,10 @@ char read_level2(const HKMCB *mcb, uint32_t off, uint32_t len, char *dst) {
   return read_range(src, off, len, dst) ? '0' : '4';
 }
 
+bool basedata_range_inside(const HKMCB *mcb, uint32_t off, uint32_t len) {
+  return mcb != nullptr && range_inside(mcb->basesize, off, len);
+}
+
 char read_basedata(const HKMCB *mcb, uint32_t off, uint32_t len, char *dst) {
   ++access_counters().basedata_reads;
   if (mcb == nullptr) return '5';

@@ -21,6 +21,11 @@ char read_level2(const HKMCB *mcb, uint32_t off, uint32_t len, char *dst);
 // '5' when the range lies outside BASEDATA or the seek or read fails.
 char read_basedata(const HKMCB *mcb, uint32_t off, uint32_t len, char *dst);
 
+// Whether the len bytes at offset off lie inside BASEDATA, the check that
+// read_basedata makes before it reads (so that callers can size buffers by
+// what a read could deliver).
+bool basedata_range_inside(const HKMCB *mcb, uint32_t off, uint32_t len);
+
 // Counters of the work done on reference data by the calling thread, so that
 // tests can prove which searches reuse what they have.
 struct AccessCounters {

@@ -7,9 +7,9 @@
 // writes its one-letter marker into byte 0 of the caller's record.
 #include <jni.h>
 
+#include <array>
 #include <cstdio>
 #include <exception>
-#include <vector>
 
 #include "native/geocoder_service.h"
 #include "orlo_matcher.h"
@@ -100,7 +100,6 @@ struct JavaArgs {
   StringArg line1, line2, line3, line4, line5, line6;
   StringArg reportPath, level1Path, level2Path, basedataPath;
   ByteArg namelist, reclist;
-  std::vector<char> scratch;  // list areas when Java passes null
 
   // Obtains everything into a CallArgs.
   CallArgs obtain() {
@@ -132,7 +131,9 @@ struct JavaArgs {
   // private scratch area instead of a crash.
   char *list_area(ByteArg &arg, jsize size, size_t offset) {
     if (!arg.is_null()) return arg.obtain(size);
-    scratch.resize(kNamelistSize + kReclistSize);
+    // One area per thread, so that nothing is allocated per call: a call
+    // uses it only while it runs and calls on one thread never overlap.
+    thread_local std::array<char, kNamelistSize + kReclistSize> scratch;
     return scratch.data() + offset;
   }
 };
@@ -179,7 +180,7 @@ using orlo::native::StringArg;
         StringArg(env, line5), StringArg(env, line6),                        \
         StringArg(env, reportPath), StringArg(env, level1Path),              \
         StringArg(env, level2Path), StringArg(env, basedataPath),            \
-        ByteArg(env, namelist), ByteArg(env, reclist), {}                    \
+        ByteArg(env, namelist), ByteArg(env, reclist)                        \
   }
 
 extern "C" {

@@ -9,6 +9,7 @@
 
 #include "hkaddrgen/address_variants.h"
 #include "lib/csv_reader.h"
+#include "lib/csv_writer.h"
 
 namespace orlo::tools::hkaddrgen {
 namespace {
@@ -130,19 +131,6 @@ bool read_places(const std::string &path, std::mt19937_64 &rng,
   return ok;
 }
 
-void append_csv_field(const std::string &v, std::string *out) {
-  if (v.find_first_of(",\"") == std::string::npos) {
-    out->append(v);
-    return;
-  }
-  out->push_back('"');
-  for (char c : v) {
-    if (c == '"') out->push_back('"');
-    out->push_back(c);
-  }
-  out->push_back('"');
-}
-
 bool write_addresses(const Args &a, const std::vector<ReferencePlace> &places,
                      std::mt19937_64 &rng, std::FILE *out) {
   std::fputs("refcode,premno,street,building,unit,extra,district,region,mode\n",
@@ -152,11 +140,7 @@ bool write_addresses(const Args &a, const std::vector<ReferencePlace> &places,
   for (unsigned long long n = 0; n < a.count; ++n) {
     AddressRow row = make_address(places[any(rng)], rng);
     line.clear();
-    for (size_t i = 0; i < row.size(); ++i) {
-      if (i > 0) line.push_back(',');
-      append_csv_field(row[i], &line);
-    }
-    line.push_back('\n');
+    append_csv_row(&line, row);
     std::fwrite(line.data(), 1, line.size(), out);
   }
   return std::fflush(out) == 0 && std::ferror(out) == 0;

@@ -5,6 +5,7 @@
 
 #include "common/fixed_field.h"
 #include "hkmatch/record_fields.h"
+#include "lib/csv_writer.h"
 #include "orlo_records.h"
 
 namespace orlo::tools::hkgeocode {
@@ -84,22 +85,10 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(0, significant_length(text));
 }
 
-// Appends one CSV field, quoted when it holds a comma, a quote or a line
-// end, or starts or ends with a blank.
+// Appends one CSV field; edge blanks are quoted because the output keeps
+// the blanks of fixed-width fields that matter to the reader.
 void append_field(std::string_view value, std::string *out) {
-  bool quote =
-      value.find_first_of(",\"\r\n") != std::string_view::npos ||
-      (!value.empty() && (value.front() == ' ' || value.back() == ' '));
-  if (!quote) {
-    out->append(value);
-    return;
-  }
-  out->push_back('"');
-  for (char c : value) {
-    if (c == '"') out->push_back('"');
-    out->push_back(c);
-  }
-  out->push_back('"');
+  append_csv_field(out, value, /*quote_edge_blanks=*/true);
 }
 
 void append_input_columns(const InputRow &row, bool mask, std::string *out) {

@@ -2,8 +2,11 @@
 
 namespace orlo::tools {
 
-void append_csv_field(std::string *out, std::string_view field) {
-  if (field.find_first_of(",\"\r\n") == std::string_view::npos) {
+void append_csv_field(std::string *out, std::string_view field,
+                      bool quote_edge_blanks) {
+  bool edge = quote_edge_blanks && !field.empty() &&
+              (field.front() == ' ' || field.back() == ' ');
+  if (!edge && field.find_first_of(",\"\r\n") == std::string_view::npos) {
     out->append(field);
     return;
   }

@@ -1,5 +1,7 @@
 // Writing of RFC 4180 CSV rows: a field is quoted when it holds a comma, a
-// quote, CR or LF, with its quotes doubled; rows end with LF.
+// quote, CR or LF (or, on request, starts or ends with a blank, so that
+// readers that trim cannot lose it), with its quotes doubled; rows end with
+// LF.
 #ifndef ORLO_TOOLS_CSV_WRITER_H
 #define ORLO_TOOLS_CSV_WRITER_H
 
@@ -8,7 +10,8 @@
 
 namespace orlo::tools {
 
-void append_csv_field(std::string *out, std::string_view field);
+void append_csv_field(std::string *out, std::string_view field,
+                      bool quote_edge_blanks = false);
 
 // Appends fields separated by commas, then LF.
 template <typename Fields>
