@@ -14,6 +14,7 @@
 
 #include "compare/street_words.h"
 #include "compare/text_bytes.h"
+#include "compare/word_recode.h"
 #include "orlo_compare.h"
 
 namespace orlo {
@@ -22,14 +23,17 @@ namespace {
 constexpr int32_t kWorkLen = kStreetWorkLen;
 
 // A work copy of a street: kWorkLen bytes of text area, zero-filled so that
-// the text is followed by NULs, with room behind it for the two bytes that
-// the character alignment looks ahead even at the full length.
-using StreetArea = std::array<char, kWorkLen + 4>;
+// the text is followed by NULs, with room behind it for the bytes that the
+// recoding writes behind the field (the widened "AV"/"BL" and its NUL) and
+// that the character alignment looks ahead, even at the full length.
+using StreetArea = std::array<char, kWorkLen + kRecodeRoom + 1>;
 
+// The recoded and packed forms keep the whole area, bytes behind the field
+// included, so that a cached street compares exactly like a fresh one.
 struct StreetCache {
-  char lastra1[kWorkLen];  // first street as it came, after letter folding
-  char lastra2[kWorkLen];  // ... after normalisation and word recoding
-  char lastra3[kWorkLen];  // ... after packing
+  char lastra1[kWorkLen];  // first street as it came, after folding
+  StreetArea lastra2;      // ... after normalisation and word recoding
+  StreetArea lastra3;      // ... after packing
   int32_t lasterrs;        // its packed length
 };
 
@@ -134,7 +138,7 @@ void recode_words(char *s, int32_t len, bool keep_types) {
     m_recode(s, len);
   }
   m_wrdrec(s, len);
-  m_fixord(s, len);
+  drop_ordinals(s, len, true);
 }
 
 // --- strict classes
@@ -287,9 +291,9 @@ int32_t compare_streets(const char *s1, const char *s2, int32_t len,
     std::memcpy(cache.lastra1, a.data(), kWorkLen);
     normalise(a.data(), len);
     recode_words(a.data(), len, opt.keep_types);
-    std::memcpy(cache.lastra2, a.data(), kWorkLen);
+    cache.lastra2 = a;
   } else {
-    std::memcpy(a.data(), cache.lastra2, kWorkLen);
+    a = cache.lastra2;
   }
   normalise(b.data(), len);
   recode_words(b.data(), len, opt.keep_types);
@@ -301,10 +305,10 @@ int32_t compare_streets(const char *s1, const char *s2, int32_t len,
   int32_t len_a = 0;
   if (fresh) {
     len_a = xm_lpck(a.data(), len);
-    std::memcpy(cache.lastra3, a.data(), kWorkLen);
+    cache.lastra3 = a;
     cache.lasterrs = len_a;
   } else {
-    std::memcpy(a.data(), cache.lastra3, kWorkLen);
+    a = cache.lastra3;
     len_a = cache.lasterrs;
   }
   int32_t len_b = xm_lpck(b.data(), len);

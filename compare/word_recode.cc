@@ -2,10 +2,13 @@
 // anywhere in the text, and the first and second word through the sorted
 // word table.
 //
-// The fields are work copies that end in a NUL. The searches here look at
-// the field up to its first NUL and never past its length, which is what a
-// NUL-terminated search sees in such a copy; nothing is written behind the
-// field.
+// The fields are work copies followed by NUL bytes. Widening a leading "AV"
+// or "BL" rebuilds the text as a NUL-terminated string one or two bytes
+// longer than the field, so up to three bytes behind the field are written;
+// the street-type search that follows is a NUL-terminated search and so sees
+// those bytes. The comparison's work copies keep room for them.
+#include "compare/word_recode.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -39,22 +42,29 @@ bool is_ordinal_suffix(std::string_view three) {
   return std::find(keywords.begin(), keywords.end(), three) != keywords.end();
 }
 
-void drop_ordinals(char *field, int32_t len) {
+}  // namespace
+
+// A suffix must be followed by a blank. The suffix that ends a full field is
+// followed by the byte behind the field: a work copy's NUL, or the text that
+// widening pushed there, so it is looked at only where that byte may be read.
+void drop_ordinals(char *field, int32_t len, bool byte_behind_readable) {
+  if (len <= 0) return;
   const int32_t last = last_non_blank(field, len - 1);
   if (last > 3 && std::string_view(field + last - 3, 4) == kFrenchOrdinal) {
     blank_out(field + last - 3, 4);
     return;
   }
   if (!m_isnumb(field, last)) return;
-  // A suffix must be followed by a blank inside the field: one that ends the
-  // field is kept.
-  for (int32_t k = 1; k < last && k + 3 <= len; ++k) {
+  const int32_t readable = len + (byte_behind_readable ? 1 : 0);
+  for (int32_t k = 1; k < last && k + 3 <= readable; ++k) {
     if (is_digit(field[k - 1]) &&
         is_ordinal_suffix(std::string_view(field + k, 3))) {
       blank_out(field + k, 2);
     }
   }
 }
+
+namespace {
 
 // --- street-type words -------------------------------------------------------
 
@@ -95,7 +105,9 @@ void abbreviate_row(char *field, std::string_view text, int32_t last,
 void abbreviate_street_types(char *field, int32_t len) {
   if (!may_hold_street_type(field, len)) return;
   const int32_t last = last_non_blank(field, len - 4);
-  const std::string_view text = text_before_nul(field, len);
+  // The whole-word search runs to the text's NUL, which widening may have
+  // moved up to three bytes behind the field.
+  const std::string_view text = text_before_nul(field, len + kRecodeRoom);
   for (size_t r = 0; r < street_types::kRows; ++r) {
     abbreviate_row(field, text, last, r);
   }
@@ -146,14 +158,14 @@ void recode_word_at(char *field, int32_t len, int32_t pos,
   }
 }
 
-// Replaces the field's first three bytes by `prefix`, moving the rest right;
-// what moves past the field's end is dropped.
+// Rebuilds the text as `prefix` followed by the old text from position 3 up
+// to its NUL (or the field's end), and a NUL: the text grows by one or two
+// bytes and its end and NUL land up to three bytes behind the field.
 void widen_start(char *field, int32_t len, std::string_view prefix) {
-  const int32_t width = static_cast<int32_t>(prefix.size());
-  if (len > width) {
-    std::memmove(field + width, field + 3, static_cast<size_t>(len - width));
-  }
-  std::memcpy(field, prefix.data(), static_cast<size_t>(std::min(width, len)));
+  const std::string_view rest = text_before_nul(field + 3, len - 3);
+  std::memmove(field + prefix.size(), rest.data(), rest.size());
+  std::memcpy(field, prefix.data(), prefix.size());
+  field[prefix.size() + rest.size()] = '\0';
 }
 
 // "AV" and "BL" as a first word stand for the avenue and boulevard forms.
@@ -179,7 +191,7 @@ void recode_first_words(char *field, int32_t len, const RecodeColumn &recodes) {
 }  // namespace orlo
 
 extern "C" void m_fixord(char *field, int32_t len) {
-  if (len > 0) orlo::drop_ordinals(field, len);
+  orlo::drop_ordinals(field, len, false);
 }
 
 extern "C" void m_wrdrec(char *field, int32_t len) {

@@ -31,9 +31,28 @@ ORLO_API int32_t m_comprs(char *field, int32_t len);
 ORLO_API void m_chcmp1(int32_t *errors, int32_t *tail, int32_t *repeats,
                        int32_t *mismatch, int32_t lena, int32_t lenb,
                        const char *a, const char *b);
+/* Blanks ordinal suffixes (ST, ND, RD, TH) that follow a digit and are
+ * followed by a blank, or a final IEME, in the len bytes of field. Reads and
+ * writes only the field; a suffix that ends the field is kept. len <= 0 does
+ * nothing. Reentrant. */
 ORLO_API void m_fixord(char *field, int32_t len);
+/* Abbreviates street-type words (STREET, ROAD, AVENUE, ...) anywhere in the
+ * field, at most one occurrence per word, each replacement as long as its
+ * word. The whole-word search is a NUL-terminated search: it reads the text
+ * up to its first NUL, which must lie inside the field or in the three bytes
+ * behind it (those bytes must be readable), and may rewrite text up to that
+ * NUL. len <= 0 does nothing. Reentrant. */
 ORLO_API void m_wrdrec(char *field, int32_t len);
+/* Recodes the first and second word of the field through the word table
+ * (FIRST -> 1ST, AVENUE -> blanks, ...), each replacement as long as its word.
+ * A field that then begins "AV " or "BL " is rebuilt as "AVE " or "BLVD "
+ * followed by the rest of its text (up to its first NUL or the field's end)
+ * and a NUL: up to three bytes behind the field are written, so the caller's
+ * buffer must have three writable bytes behind the field. The text pushed
+ * past the field is no longer part of it. len <= 0 does nothing. Reentrant. */
 ORLO_API void m_recode(char *field, int32_t len);
+/* m_recode with the short forms that keep AVE, DES, RANG, RG and RUE; the
+ * same three writable bytes behind the field are needed. */
 ORLO_API void m_recode_new(char *field, int32_t len);
 ORLO_API void m_iwrdls(MWORD *nodes, MWORD **head, MWORD **tail, int32_t len,
                        char *text);

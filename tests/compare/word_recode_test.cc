@@ -17,13 +17,23 @@ using namespace std::literals;
 using orlo_test::WorkCopy;
 using Routine = void (*)(char *, int32_t);
 
+struct Result {
+  std::string text;    // the field without trailing blanks
+  std::string behind;  // the text written behind the field, up to its NUL
+};
+
+Result run_full(Routine routine, std::string_view text, size_t width) {
+  WorkCopy f(text, width);
+  routine(f.data(), f.len());
+  return {f.text(), f.behind()};
+}
+
 // Runs the routine over text in a work copy of the given width; returns the
 // field without trailing blanks and checks that nothing moved behind it.
 std::string run(Routine routine, std::string_view text, size_t width) {
-  WorkCopy f(text, width);
-  routine(f.data(), f.len());
-  EXPECT_TRUE(f.tail_intact()) << text;
-  return f.text();
+  const Result r = run_full(routine, text, width);
+  EXPECT_EQ(r.behind, "") << text;
+  return r.text;
 }
 
 struct Row {
@@ -32,6 +42,7 @@ struct Row {
   size_t width;
   std::string_view expected;  // without trailing blanks
   const char *note;
+  std::string_view behind = "";  // written behind the field, before its NUL
 };
 
 // One row per rule of each routine and per boundary of its field.
@@ -85,25 +96,56 @@ constexpr Row kRows[] = {
     {m_recode, "X  FIRST", 31, "X  FIRST", "two blanks: no second word"},
     {m_recode, "PLZ X", 5, "PZ  X", "keeps the field length"},
     {m_recode, "APARTMENTS", 10, "APARTMENTS", "needs its closing blank"},
-    {m_recode, "AV FOCH", 31, "AVE FOCH", "AV widened"},
-    {m_recode, "BL FOCH", 31, "BLVD FOCH", "BL widened"},
-    {m_recode, "AV FOCH", 7, "AVE FOC", "widening pushes text off"},
-    {m_recode, "BL X", 4, "BLVD", "widening fills the field"},
-    {m_recode, "AV ", 3, "AVE", "three bytes"},
+    {m_recode, "AV FOCH", 31, "AVE FOCH", "AV widened", " "},
+    {m_recode, "BL FOCH", 31, "BLVD FOCH", "BL widened", "  "},
+    {m_recode, "AV FOCH", 7, "AVE FOC", "widening pushes text behind", "H"},
+    {m_recode, "BL X", 4, "BLVD", "widening fills the field", " X"},
+    {m_recode, "AV ", 3, "AVE", "three bytes", " "},
+    {m_recode, "AV X\0\0Y"sv, 7, "AVE X\0Y"sv, "the text ends at its NUL"},
     {m_recode, "AVX FOCH", 31, "AVX FOCH", "AVX is no AV"},
     {m_recode, "BOUL X", 31, "BLVD X", "a recoded BOUL is not widened"},
     {m_recode, "", 31, "", "blank field"},
     {m_recode_new, "RUE DES LILAS", 31, "RUE DES LILAS", "type words kept"},
     {m_recode_new, "FIRST AVE", 31, "1ST   AVE", "ordinal recoded"},
     {m_recode_new, "AVENUE FOCH", 31, "AVE    FOCH", "short type form"},
-    {m_recode_new, "AV FOCH", 31, "AVE FOCH", "AV widened"},
+    {m_recode_new, "AV FOCH", 31, "AVE FOCH", "AV widened", " "},
+    {m_recode_new, "BL X", 5, "BLVD", "BL widened", "X "},
 };
 
 TEST(WordRecode, Rules) {
   for (const Row &r : kRows) {
     SCOPED_TRACE(std::string(r.note) + ": '" + std::string(r.text) + "'");
-    EXPECT_EQ(run(r.routine, r.text, r.width), r.expected) << r.width;
+    const Result got = run_full(r.routine, r.text, r.width);
+    EXPECT_EQ(got.text, r.expected) << r.width;
+    EXPECT_EQ(got.behind, r.behind) << r.width;
   }
+}
+
+// The street comparison recodes, abbreviates and drops ordinals in one work
+// copy: text that widening pushed behind the field takes part in the
+// whole-word search and is the blank that must follow a suffix.
+TEST(WordRecode, WideningFeedsTheLaterRoutines) {
+  struct Case {
+    std::string_view text;
+    int32_t width;
+    std::string_view same_street;
+  } cases[] = {
+      {"BL BOULEVARD", 13, "BLVD BLVD"},  // "BOULEVARD " ends behind the field
+      {"AV 21ST", 8, "AVE 21"},           // the blank after ST is behind it
+      {"BL 21ST", 9, "BLVD 21"},
+      {"AV 21ST", 9, "AVE 21"},  // the blank is inside the field anyway
+  };
+  for (const Case &c : cases) {
+    EXPECT_EQ(orlo_test::street_score(c.text, c.same_street, c.width, "TYPE"),
+              98)
+        << c.text << " in " << c.width;
+  }
+  // m_wrdrec on its own sees the text behind the field up to its NUL.
+  WorkCopy f("BLVD BOULEVAR", 13);
+  f.set_behind("D ");
+  m_wrdrec(f.data(), f.len());
+  EXPECT_EQ(f.text(), "BLVD BLVD");
+  EXPECT_EQ(f.behind(), "  ");
 }
 
 // A negative length leaves the field alone.
@@ -137,10 +179,13 @@ TEST(Recode, WordsOutsideTheTableAndHighBytes) {
   }
 }
 
-// Random texts built from table words, in fields of every width, never
-// write behind the field, nor read behind it (the sanitizer build sees the
-// exact-size buffers).
-TEST(WordRoutines, NeverWriteBehindTheField) {
+// Random texts built from table words, in fields of every width: m_fixord
+// and m_wrdrec never write behind the field; m_recode and m_recode_new write
+// at most the three bytes behind it, and only for a text that began with
+// "AV " or "BL ". None reads behind an exact-size field except m_wrdrec,
+// which looks for the text's NUL in the three bytes behind (the sanitizer
+// build sees the buffers of exactly len + 3 bytes).
+TEST(WordRoutines, WriteBehindTheFieldOnlyWhenWidening) {
   const std::vector<std::string> vocabulary = {
       "FIRST",      "AVE",        "AV",    "BL",  "RUE",  "STREET",
       "ROAD",       "HWY",        "AND",   "1ST", "21ST", "3IEME",
@@ -153,12 +198,21 @@ TEST(WordRoutines, NeverWriteBehindTheField) {
     std::string text;
     for (int w = words(rng); w > 0; --w) text += vocabulary[pick(rng)] + " ";
     for (int32_t width = 0; width <= 40; ++width) {
+      const std::string head = orlo_test::padded(text, 3);
+      const bool widens = width >= 3 && (head == "AV " || head == "BL ");
       for (Routine routine : {m_fixord, m_wrdrec, m_recode, m_recode_new}) {
+        const bool recodes = routine == m_recode || routine == m_recode_new;
         std::vector<char> exact = orlo_test::exact_field(text, width);
+        exact.insert(exact.end(), 3, '\0');
         routine(exact.data(), width);
         WorkCopy f(text, static_cast<size_t>(width));
         routine(f.data(), f.len());
-        ASSERT_TRUE(f.tail_intact()) << text << " in " << width;
+        if (recodes && widens) {
+          ASSERT_NE(f.behind(), "!") << text << " in " << width;
+          ASSERT_LE(f.behind().size(), 2u) << text << " in " << width;
+        } else {
+          ASSERT_TRUE(f.tail_intact()) << text << " in " << width;
+        }
       }
     }
   }

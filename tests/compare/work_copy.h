@@ -50,6 +50,21 @@ class WorkCopy {
   bool tail_intact() const {
     return bytes_.substr(width_) == std::string(kTrailingNuls, '\0');
   }
+  // The text behind the field up to its NUL, or "!" when something other
+  // than NULs follows that NUL (a write further behind than the text).
+  std::string behind() const {
+    const std::string tail = bytes_.substr(width_);
+    const size_t nul = tail.find('\0');
+    if (nul == std::string::npos ||
+        tail.find_first_not_of('\0', nul) != std::string::npos) {
+      return "!";
+    }
+    return tail.substr(0, nul);
+  }
+  // Puts text behind the field, as an earlier routine may have left it.
+  void set_behind(std::string_view text) {
+    bytes_.replace(width_, text.size(), text);
+  }
 
  private:
   std::string bytes_;
