@@ -2,9 +2,10 @@
 // type, and the checks that a call has an instance to work on.
 //
 // Calls that need an instance are refused with 'A' when there is none: a
-// null handle area, an empty handle word, or an instance whose open failed
-// (see open_succeeded). A process or private-copy call without an input
-// record is refused with '2', like a call type that is not known.
+// null handle area, an empty handle word, or an instance whose open failed,
+// whatever step it failed at (see open_succeeded). A process or private-copy
+// call without an input record is refused with '2', like a call type that is
+// not known.
 #include "hkmatch/call_dispatch.h"
 
 #include "common/fixed_field.h"
@@ -52,15 +53,10 @@ void private_copy_call(const CallArgs &a, const MatcherSteps &steps) {
 
 }  // namespace
 
-// A successful open leaves LEVEL1 open and, in memory mode, both images
-// loaded; every failure of the open leaves one of them missing. (A private
-// copy shares LEVEL1 and may share the instance's files in memory mode.)
+// Only the last step of a successful open marks the block opened; a private
+// copy carries the mark of the instance it was copied from.
 bool open_succeeded(const HKMCB &mcb) {
-  if (mcb.lvl1fp == nullptr) return false;
-  if (mcb.state == 'O' && mcb.inmem == 1) {
-    return mcb.lvl2mem != nullptr && mcb.basemem != nullptr;
-  }
-  return true;
+  return mcb.opened == 1;
 }
 
 HKMCB *processable_instance(const HKHANDLE *handle) {

@@ -50,12 +50,13 @@ inline constexpr int kSearchAreaSize = 3000;
 // Runs one call: selects on the first character of the call type.
 void dispatch(const CallArgs &args, const MatcherSteps &steps);
 
-// Whether the open that made the block succeeded, judged from what it left.
+// Whether the open that made the block (or the instance a private copy was
+// made from) completed every step.
 bool open_succeeded(const HKMCB &mcb);
 
 // The instance a process call may work on: word 0 of the handle, provided
-// the open that made it succeeded ('O', LEVEL1 still open) or it is the
-// private copy of a "R" call. NULL otherwise.
+// the open that made it succeeded, in state 'O' or as the private copy of a
+// "R" call. NULL otherwise.
 HKMCB *processable_instance(const HKHANDLE *handle);
 
 // "P" and "D" on an output record already set to blanks with '0' in byte 0:

@@ -205,18 +205,6 @@ Code load_image(FILE *fp, Code seek_code, char **image, int64_t *size) {
   return kOk;
 }
 
-// Every LEVEL1 entry must name a segment that lies inside LEVEL2, so that
-// the search can trust the index. The end is summed in 64 bits: offset and
-// length may each fit in 32 bits while their sum does not.
-bool segments_inside_level2(const HKMCB *m) {
-  for (int32_t i = 0; i < m->lvl1cnt; ++i) {
-    const L1ENTRY &e = m->lvl1tab[i];
-    uint64_t end = static_cast<uint64_t>(e.l2off) + e.l2len;
-    if (end > static_cast<uint64_t>(m->lvl2size)) return false;
-  }
-  return true;
-}
-
 // Open steps 2 to 14 on a block that is already zero-filled and attached to
 // the caller's handle word; the first failure ends them.
 Code open_instance(HKMCB *m, const char *options, const char *level1,
@@ -232,19 +220,13 @@ Code open_instance(HKMCB *m, const char *options, const char *level1,
   m->lvl2fp = open_reference(level2, &m->lvl2size);
   if (m->lvl2fp == nullptr) return kBadLevel2;
   if (Code c = load_level1(m, level1); c != kOk) return c;
+  // A segment or block that lies outside what was loaded is not checked
+  // here: the search refuses it for its own region ('4') or street ('5').
   if (m->inmem == 1) {
     Code c = load_image(m->lvl2fp, kLevel2Seek, &m->lvl2mem, &m->lvl2size);
     if (c != kOk) return c;
-  }
-  if (!segments_inside_level2(m)) {
-    // An index that points outside LEVEL2 is not kept: without it and with
-    // LEVEL1 closed, the instance is one whose open failed.
-    close_file(m->lvl1fp);
-    m->lvl1cnt = 0;
-    return kLevel2Seek;
-  }
-  if (m->inmem == 1)
     return load_image(m->basefp, kBasedataSeek, &m->basemem, &m->basesize);
+  }
   return kOk;
 }
 
@@ -297,7 +279,9 @@ int32_t hk_mopn(HKMCB **handle, char *retcode, const char *options,
   *handle = m;
   if (m == nullptr) return orlo::fail(retcode, orlo::kNoStorage);
   orlo::Code c = orlo::open_instance(m, options, level1, level2, basedata);
-  return c == orlo::kOk ? 0 : orlo::fail(retcode, c);
+  if (c != orlo::kOk) return orlo::fail(retcode, c);
+  m->opened = 1;
+  return 0;
 }
 
 int32_t hk_mclo(HKMCB **handle, char * /*outrec*/) {

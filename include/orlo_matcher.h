@@ -120,6 +120,9 @@ typedef struct HKMCB {
    * that a fuzzy scan may start at the first name with the input's initial
    * instead of walking past every name that sorts before it. */
   int32_t lvl2initials;
+  /* 1 once hk_mopn has completed every step of the open; an instance whose
+   * open failed keeps 0 and is refused by every call but the close. */
+  int32_t opened;
 } HKMCB;
 
 /* The handle area of one instance: word 0 holds the HKMCB address, the rest

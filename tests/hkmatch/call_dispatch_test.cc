@@ -27,8 +27,7 @@ class CallDispatch : public ::testing::Test {
   void SetUp() override {
     orlo::testing::script = &script_;
     mcb_.state = 'O';
-    mcb_.lvl1fp = std::tmpfile();
-    ASSERT_NE(mcb_.lvl1fp, nullptr);
+    mcb_.opened = 1;
     handle_.mcb = &mcb_;
     in_ = blank_record(HKINREC_SIZE);
     put(in_, in::premno, "12");
@@ -38,10 +37,7 @@ class CallDispatch : public ::testing::Test {
     put(in_, in::region, "KLN");
     out_ = std::string(HKOUTREC_SIZE, '#');
   }
-  void TearDown() override {
-    std::fclose(mcb_.lvl1fp);
-    orlo::testing::script = nullptr;
-  }
+  void TearDown() override { orlo::testing::script = nullptr; }
 
   void call(const char *type) {
     orlo::CallArgs a;
@@ -111,8 +107,8 @@ TEST_F(CallDispatch, DAndLongerNamesAreTheSameAsP) {
   }
 }
 
-// No handle, an empty handle word, a failed open (no LEVEL1 file) and a
-// closed block give 'A'; no input record gives '2'. Nothing is searched or
+// No handle, an empty handle word, a failed open and a closed block give
+// 'A'; no input record gives '2'. Nothing is searched or
 // counted.
 TEST_F(CallDispatch, ProcessWithoutAUsableInstanceOrInputIsRefused) {
   HKHANDLE empty{};
@@ -125,11 +121,10 @@ TEST_F(CallDispatch, ProcessWithoutAUsableInstanceOrInputIsRefused) {
     orlo::dispatch(a, kScripted);
     EXPECT_EQ(out_, "A" + blank_record(HKOUTREC_SIZE - 1));
   }
-  std::FILE *level1 = mcb_.lvl1fp;
-  mcb_.lvl1fp = nullptr;
+  mcb_.opened = 0;
   call("D");
   EXPECT_EQ(out_[0], 'A');
-  mcb_.lvl1fp = level1;
+  mcb_.opened = 1;
   mcb_.state = 'C';
   call("P");
   EXPECT_EQ(out_[0], 'A');

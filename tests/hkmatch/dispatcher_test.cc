@@ -1,7 +1,10 @@
 // hk_mtci with the real preparation and search on a small database: results
 // of "P", "D" and "R" agree, the private copy leaves an instance with warm
 // caches untouched, the building-name retry, and the dated statement.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <ctime>
@@ -71,14 +74,45 @@ class Dispatcher : public ::testing::Test {
   std::vector<char> recs_ = std::vector<char>(7500, ' ');
 };
 
-TEST_F(Dispatcher, OpenFailureLeavesBlanksAndTheCode) {
-  std::string out(HKOUTREC_SIZE, '#');
-  hk_mtci("O", &h_, nullptr, out.data(), "", nullptr, nullptr, nullptr, nullptr,
-          nullptr, nullptr, nullptr, nullptr, "/nonexistent/L1",
-          db_->level2().c_str(), db_->basedata().c_str(), nullptr, nullptr);
-  EXPECT_EQ(out, "7" + blank_record(HKOUTREC_SIZE - 1));
-  ASSERT_NE(h_.mcb, nullptr);
-  EXPECT_EQ(call("P", address("40", "NATHAN ROAD", "", "KLN"))[0], 'A');
+// Whatever step an open fails at, its block is refused by every call but the
+// close: no search runs, nothing is counted, the statement shows no record.
+// (A failure on LEVEL2 comes after LEVEL1 is open, and the seek failures of
+// memory mode after both files are.) A FIFO held open for reading and
+// writing cannot be positioned.
+TEST_F(Dispatcher, CallsAfterAFailedOpenAreRefused) {
+  const std::string fifo = db_->dir() + "/fifo";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  const int fifo_fd = ::open(fifo.c_str(), O_RDWR | O_NONBLOCK);
+  ASSERT_GE(fifo_fd, 0);
+  const std::string l1 = db_->level1(), l2 = db_->level2(),
+                    bd = db_->basedata(), none = "/nonexistent/file";
+  const struct {
+    char code;
+    const char *options;
+    const std::string &level1, &level2, &basedata;
+  } cases[] = {
+      {'6', "", l1, l2, none},   {'7', "", none, l2, bd},
+      {'8', "", l1, none, bd},   {'4', "LM", l1, fifo, bd},
+      {'5', "LM", l1, l2, fifo},
+  };
+  const std::string in = address("40", "NATHAN ROAD", "", "KLN");
+  for (const auto &c : cases) {
+    SCOPED_TRACE(std::string(1, c.code));
+    std::string out(HKOUTREC_SIZE, '#');
+    hk_mtci("O", &h_, nullptr, out.data(), c.options, nullptr, nullptr, nullptr,
+            nullptr, nullptr, nullptr, nullptr, nullptr, c.level1.c_str(),
+            c.level2.c_str(), c.basedata.c_str(), nullptr, nullptr);
+    EXPECT_EQ(out, c.code + blank_record(HKOUTREC_SIZE - 1));
+    ASSERT_NE(h_.mcb, nullptr);
+    for (const char *type : {"P", "D", "R"}) {
+      EXPECT_EQ(call(type, in)[0], 'A') << type;
+    }
+    EXPECT_EQ(h_.mcb->nread, 0);
+    call("C", in);
+    EXPECT_EQ(h_.mcb, nullptr);
+    EXPECT_EQ(statement_line(read_file(report_), 27).substr(60, 2), "0 ");
+  }
+  ::close(fifo_fd);
 }
 
 TEST_F(Dispatcher, BlankRecordHasNoRegionKey) {

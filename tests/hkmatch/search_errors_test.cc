@@ -243,21 +243,55 @@ TEST_P(Errors, HugeBlockLengthAndCountAllocateNothingLarge) {
   EXPECT_LT(g.mcb()->reccap, 1000);
 }
 
-// The search checks segment bounds again (open already refuses them).
-TEST_P(Errors, SegmentOutsideLevel2Answers4) {
+// A segment that LEVEL2 cannot serve does not stop the open: its region
+// answers '4' on every search and the other regions answer as before.
+TEST_P(Errors, SegmentOutsideLevel2FailsOnlyItsRegion) {
+  const struct {
+    const char *note;
+    std::function<void(const TestDb &)> damage;
+  } rows[] = {
+      {"segment running a megabyte past the end",
+       [](const TestDb &db) {
+         patch(db.level1(), level1_kln(db) + 34, 4, 1 << 20, kAdd);
+       }},
+      {"segment starting past the end",
+       [](const TestDb &db) {
+         patch(db.level1(), level1_kln(db) + 30, 4, 0x7FFFFFF0);
+       }},
+      {"offset and length wrapping in 32 bits",
+       [](const TestDb &db) {
+         patch(db.level1(), level1_kln(db) + 30, 4, 0xFFFFFFF0u);
+         patch(db.level1(), level1_kln(db) + 34, 4, 0x20);
+       }},
+  };
+  for (const auto &r : rows) {
+    SCOPED_TRACE(r.note);
+    TestDb db(kCsv);
+    r.damage(db);
+    Geocoder g(db, GetParam());
+    ASSERT_TRUE(g.opened());
+    expect_region_damaged(g);
+  }
+}
+
+// LEVEL2 cut short inside the KLN segment, which lies after the HK segment:
+// the file still opens in both modes. File mode serves HK and answers '4'
+// for KLN alone; memory mode holds whole 23200-byte units only, and a file
+// cut below one unit leaves it nothing to serve.
+TEST_P(Errors, Level2CutShortFailsOnlyTheRegionsItNoLongerHolds) {
   TestDb db(kCsv);
+  const std::string level2 = read_file(db.level2());
+  const uint32_t kln = get_be(read_file(db.level1()), level1_kln(db) + 30, 4);
+  ASSERT_GT(kln, 0u);
+  write_file(db.level2(), level2.substr(0, kln + 20));
   Geocoder g(db, GetParam());
   ASSERT_TRUE(g.opened());
-  bool patched = false;
-  for (int32_t i = 0; i < g.mcb()->lvl1cnt; ++i) {
-    L1ENTRY &e = g.mcb()->lvl1tab[i];
-    if (std::string(e.l1key, 3) == "KLN") {
-      e.l2len += 1 << 20;
-      patched = true;
-    }
+  if (*GetParam() == '\0') {
+    expect_region_damaged(g);
+  } else {
+    expect_error(g.search({"HK", "DES VOEUX ROAD", "5"}), '4', g.mcb());
+    expect_error(g.search({"KLN", "NATHAN ROAD", "12"}), '4', g.mcb());
   }
-  ASSERT_TRUE(patched);
-  expect_region_damaged(g);
 }
 
 TEST(ExtractErrors, DamagedBlockInBaseRecordExtractModeAnswers5) {
