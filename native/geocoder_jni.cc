@@ -94,28 +94,56 @@ class StringArg {
 };
 
 // The sixteen Java parameters shared by open, process, minProcess, close.
-struct JavaArgs {
+// Each part is obtained only when the call asks for it (see ArgNeed), so an
+// array that the call does not use is never obtained nor length-checked.
+struct JavaArgs final : ArgSource {
+  JavaArgs(JNIEnv *env, jbyteArray in, jbyteArray out, jstring opts,
+           jstring skip, const std::array<jstring, 6> &lines, jstring report,
+           jstring level1, jstring level2, jstring basedata, jbyteArray names,
+           jbyteArray recs)
+      : inRec(env, in),
+        outRec(env, out),
+        options(env, opts),
+        skipBaseDate(env, skip),
+        line1(env, lines[0]),
+        line2(env, lines[1]),
+        line3(env, lines[2]),
+        line4(env, lines[3]),
+        line5(env, lines[4]),
+        line6(env, lines[5]),
+        reportPath(env, report),
+        level1Path(env, level1),
+        level2Path(env, level2),
+        basedataPath(env, basedata),
+        namelist(env, names),
+        reclist(env, recs) {}
+
   ByteArg inRec, outRec;
   StringArg options, skipBaseDate;
   StringArg line1, line2, line3, line4, line5, line6;
   StringArg reportPath, level1Path, level2Path, basedataPath;
   ByteArg namelist, reclist;
 
-  // Obtains everything into a CallArgs.
-  CallArgs obtain() {
+  CallArgs obtain(unsigned needs) override {
     CallArgs a;
-    a.outRec = outRec.obtain(HKOUTREC_SIZE);
-    a.inRec = inRec.obtain(HKINREC_SIZE);
-    a.options = options.obtain();
-    a.skipBaseDate = skipBaseDate.obtain();
-    StringArg *lines[6] = {&line1, &line2, &line3, &line4, &line5, &line6};
-    for (int i = 0; i < 6; ++i) a.reportLine[i] = lines[i]->obtain();
-    a.reportPath = reportPath.obtain();
-    a.level1Path = level1Path.obtain();
-    a.level2Path = level2Path.obtain();
-    a.basedataPath = basedataPath.obtain();
-    a.namelist = list_area(namelist, kNamelistSize, 0);
-    a.reclist = list_area(reclist, kReclistSize, kNamelistSize);
+    if (needs & kNeedOutRec) a.outRec = outRec.obtain(HKOUTREC_SIZE);
+    if (needs & kNeedInRec) a.inRec = inRec.obtain(HKINREC_SIZE);
+    if (needs & (kNeedFiles | kNeedReport)) a.options = options.obtain();
+    if (needs & kNeedFiles) {
+      a.level1Path = level1Path.obtain();
+      a.level2Path = level2Path.obtain();
+      a.basedataPath = basedataPath.obtain();
+    }
+    if (needs & kNeedReport) {
+      a.skipBaseDate = skipBaseDate.obtain();
+      StringArg *lines[6] = {&line1, &line2, &line3, &line4, &line5, &line6};
+      for (int i = 0; i < 6; ++i) a.reportLine[i] = lines[i]->obtain();
+      a.reportPath = reportPath.obtain();
+    }
+    if (needs & kNeedLists) {
+      a.namelist = list_area(namelist, kNamelistSize, 0);
+      a.reclist = list_area(reclist, kReclistSize, kNamelistSize);
+    }
     return a;
   }
   void release() {
@@ -127,8 +155,8 @@ struct JavaArgs {
   }
 
  private:
-  // The list areas are used only by listing mode 3; a null array gets a
-  // private scratch area instead of a crash.
+  // A listing call given no list area gets a private scratch area instead
+  // of a crash; a list area too short is refused.
   char *list_area(ByteArg &arg, jsize size, size_t offset) {
     if (!arg.is_null()) return arg.obtain(size);
     // One area per thread, so that nothing is allocated per call: a call
@@ -138,14 +166,14 @@ struct JavaArgs {
   }
 };
 
-// Runs one call with the arguments obtained; a failure prints `failed` and
-// leaves `marker` in the record, a failure while releasing prints `release`.
+// Runs one call, which obtains what it needs from args; a failure prints
+// `failed` and leaves `marker` in the record, a failure while releasing
+// prints `release`.
 template <typename Work>
 void run(JavaArgs &args, char marker, const char *failed, const char *release,
          Work work) {
   try {
-    CallArgs a = args.obtain();
-    work(a);
+    work(args);
   } catch (...) {
     say(failed);
     args.outRec.mark(marker);
@@ -161,7 +189,6 @@ void run(JavaArgs &args, char marker, const char *failed, const char *release,
 }  // namespace orlo::native
 
 using orlo::native::ByteArg;
-using orlo::native::CallArgs;
 using orlo::native::JavaArgs;
 using orlo::native::StringArg;
 
@@ -172,16 +199,10 @@ using orlo::native::StringArg;
       jstring level2Path, jstring basedataPath, jbyteArray namelist,          \
       jbyteArray reclist
 
-#define ORLO_JAVA_ARGS                                                       \
-  JavaArgs args {                                                            \
-    ByteArg(env, inRec), ByteArg(env, outRec), StringArg(env, options),      \
-        StringArg(env, skipBaseDate), StringArg(env, line1),                 \
-        StringArg(env, line2), StringArg(env, line3), StringArg(env, line4), \
-        StringArg(env, line5), StringArg(env, line6),                        \
-        StringArg(env, reportPath), StringArg(env, level1Path),              \
-        StringArg(env, level2Path), StringArg(env, basedataPath),            \
-        ByteArg(env, namelist), ByteArg(env, reclist)                        \
-  }
+#define ORLO_JAVA_ARGS                                                  \
+  JavaArgs args(env, inRec, outRec, options, skipBaseDate,              \
+                {line1, line2, line3, line4, line5, line6}, reportPath, \
+                level1Path, level2Path, basedataPath, namelist, reclist)
 
 extern "C" {
 
@@ -201,7 +222,7 @@ JNIEXPORT jint JNICALL Java_pkgs_natives_OrloHKGeocoder_openGeocoder(
   orlo::native::run(
       args, 'X', "orloHKGeocoder : exception in open\n",
       "orloHKGeocoder.open : exception while releasing memory\n",
-      [&slot](const CallArgs &a) { slot = orlo::native::open_geocoder(a); });
+      [&slot](JavaArgs &a) { slot = orlo::native::open_geocoder(a); });
   return slot;
 }
 
@@ -211,7 +232,7 @@ JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_process(
   orlo::native::run(
       args, 'Y', "orloHKGeocoder : exception in process\n",
       "orloHKGeocoder.process : exception while releasing memory\n",
-      [handle](const CallArgs &a) {
+      [handle](JavaArgs &a) {
         orlo::native::process_geocoder(handle, a, "P");
       });
 }
@@ -222,7 +243,7 @@ JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_minProcess(
   orlo::native::run(
       args, 'Y', "orloHKGeocoder : exception in minProcess\n",
       "orloHKGeocoder.minProcess : exception while releasing memory\n",
-      [handle](const CallArgs &a) {
+      [handle](JavaArgs &a) {
         orlo::native::process_geocoder(handle, a, "R");
       });
 }
@@ -233,7 +254,7 @@ JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_closeGeocoder(
   orlo::native::run(
       args, 'Z', "orloHKGeocoder:exception in close\n",
       "orloHKGeocoder.close: exception while releasing memory\n",
-      [handle](const CallArgs &a) { orlo::native::close_geocoder(handle, a); });
+      [handle](JavaArgs &a) { orlo::native::close_geocoder(handle, a); });
 }
 
 JNIEXPORT jint JNICALL Java_pkgs_natives_OrloHKGeocoder_getErrorMsg(

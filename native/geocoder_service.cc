@@ -2,6 +2,7 @@
 #include "native/geocoder_service.h"
 
 #include <cstdio>
+#include <mutex>
 
 HKHANDLE HKCONTROL[kMaxGeocoders];
 pthread_mutex_t hkGeoMutex = PTHREAD_MUTEX_INITIALIZER;
@@ -9,15 +10,18 @@ pthread_mutex_t hkGeoMutex = PTHREAD_MUTEX_INITIALIZER;
 namespace orlo::native {
 namespace {
 
-// Holds hkGeoMutex for a scope, so that a failure escaping the matcher still
-// releases it.
-class TableLock {
- public:
-  TableLock() { pthread_mutex_lock(&hkGeoMutex); }
-  ~TableLock() { pthread_mutex_unlock(&hkGeoMutex); }
-  TableLock(const TableLock &) = delete;
-  TableLock &operator=(const TableLock &) = delete;
+// hkGeoMutex as a lockable, so that a failure escaping the matcher still
+// releases it and the open can release it early.
+struct TableLock {
+  void lock() { pthread_mutex_lock(&hkGeoMutex); }
+  void unlock() { pthread_mutex_unlock(&hkGeoMutex); }
 };
+
+// The one lockable over hkGeoMutex (it holds no state of its own).
+TableLock &table_lock() {
+  static TableLock lock;
+  return lock;
+}
 
 // Word 0 of a slot is read without the lock by process calls while opens and
 // closes of other slots write theirs; atomic access keeps those reads exact.
@@ -40,17 +44,42 @@ void call(const char *type, HKHANDLE *handle, const CallArgs &a) {
 
 }  // namespace
 
-int open_geocoder(const CallArgs &args) {
-  TableLock lock;
+CallArgs GivenArgs::obtain(unsigned needs) {
+  asked_ |= needs;
+  CallArgs a;
+  if (needs & kNeedInRec) a.inRec = args_.inRec;
+  if (needs & kNeedOutRec) a.outRec = args_.outRec;
+  if (needs & kNeedLists) {
+    a.namelist = args_.namelist;
+    a.reclist = args_.reclist;
+  }
+  if (needs & (kNeedFiles | kNeedReport)) a.options = args_.options;
+  if (needs & kNeedFiles) {
+    a.level1Path = args_.level1Path;
+    a.level2Path = args_.level2Path;
+    a.basedataPath = args_.basedataPath;
+  }
+  if (needs & kNeedReport) {
+    a.skipBaseDate = args_.skipBaseDate;
+    for (int i = 0; i < 6; ++i) a.reportLine[i] = args_.reportLine[i];
+    a.reportPath = args_.reportPath;
+  }
+  return a;
+}
+
+int open_geocoder(ArgSource &source) {
+  std::unique_lock<TableLock> lock(table_lock());
   int slot = 0;
   while (slot < kMaxGeocoders && slot_word(slot) != nullptr) ++slot;
   if (slot == kMaxGeocoders) {
     std::printf("\n Cannot run more than %d HKGeocoders on one server",
                 kMaxGeocoders);
     std::fflush(stdout);
-    args.outRec[0] = 'L';
+    lock.unlock();
+    source.obtain(kNeedOutRec).outRec[0] = 'L';
     return -1;
   }
+  const CallArgs args = source.obtain(kNeedOutRec | kNeedFiles);
   HKHANDLE handle{};
   call("O", &handle, args);
   set_slot(slot, handle);
@@ -61,22 +90,27 @@ bool handle_in_use(int handle) {
   return handle >= 0 && handle < kMaxGeocoders && slot_word(handle) != nullptr;
 }
 
-void process_geocoder(int handle, const CallArgs &args, const char *callType) {
+void process_geocoder(int handle, ArgSource &source, const char *callType) {
   if (!handle_in_use(handle)) {
-    args.outRec[0] = 'A';
+    source.obtain(kNeedOutRec).outRec[0] = 'A';
     return;
   }
   HKHANDLE local{};
   local.mcb = slot_word(handle);
-  call(callType, &local, args);
+  unsigned needs = kNeedInRec | kNeedOutRec;
+  // Only listing mode 3 writes the list areas; a private copy lists as its
+  // instance does, and opens files and closes (with its report) itself.
+  if (local.mcb->listmode == 3) needs |= kNeedLists;
+  if (callType[0] == 'R') needs |= kNeedFiles | kNeedReport;
+  call(callType, &local, source.obtain(needs));
 }
 
-void close_geocoder(int handle, const CallArgs &args) {
-  if (handle < 0 || handle >= kMaxGeocoders) return;
-  TableLock lock;
+void close_geocoder(int handle, ArgSource &source) {
+  if (!handle_in_use(handle)) return;
   HKHANDLE local{};
   local.mcb = slot_word(handle);
-  if (local.mcb == nullptr) return;
+  const CallArgs args = source.obtain(kNeedOutRec | kNeedReport);
+  std::lock_guard<TableLock> lock(table_lock());
   call("C", &local, args);
   set_slot(handle, HKHANDLE{});
 }

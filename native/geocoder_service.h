@@ -32,22 +32,78 @@ struct CallArgs {
   char *reclist = nullptr;
 };
 
-// Takes the lowest free slot and opens an instance in it under hkGeoMutex.
-// Returns the slot, whatever the open's return code in outRec; or -1 with
-// the limit message on standard output and 'L' in outRec[0] when all slots
-// are taken.
-int open_geocoder(const CallArgs &args);
+// The parts of the arguments that a call reads or writes.
+enum ArgNeed : unsigned {
+  kNeedInRec = 1u << 0,   // inRec, 200 bytes, read
+  kNeedOutRec = 1u << 1,  // outRec, 300 bytes, written
+  kNeedLists = 1u << 2,   // namelist (30000) and reclist (7500), written
+  kNeedFiles = 1u << 3,   // options and the three file paths
+  kNeedReport = 1u << 4,  // options, skipBaseDate, report lines and path
+};
+
+// Where a call's arguments come from. A call asks once, when it knows that
+// it goes ahead and what it needs; the source hands out the parts asked for
+// (NULL for the others) and throws when one of them cannot be had (an
+// array too short, the virtual machine refusing it). What it hands out
+// stays valid until the source releases it, after the call.
+class ArgSource {
+ public:
+  virtual CallArgs obtain(unsigned needs) = 0;
+
+ protected:
+  ~ArgSource() = default;
+};
+
+// Arguments already in memory: obtain() gives the parts asked for and NULL
+// for the rest, so that a call cannot use what it did not ask for.
+class GivenArgs final : public ArgSource {
+ public:
+  explicit GivenArgs(const CallArgs &args) : args_(args) {}
+  CallArgs obtain(unsigned needs) override;
+  // The needs of every obtain() so far, or-ed together.
+  unsigned asked() const { return asked_; }
+
+ private:
+  CallArgs args_;
+  unsigned asked_ = 0;
+};
+
+// Takes the lowest free slot under hkGeoMutex and opens an instance in it.
+// Returns the slot, whatever the open's return code in outRec. When all
+// slots are taken: prints the limit message on standard output, unlocks,
+// writes 'L' into outRec[0] (asking only for outRec) and returns -1. A
+// throwing source leaves the slot free and hkGeoMutex unlocked.
+int open_geocoder(ArgSource &source);
 
 // True when handle names a slot in use.
 bool handle_in_use(int handle);
 
 // Runs call type "P" or "R" on the instance in slot `handle` without taking
-// the lock. An invalid handle is answered with 'A' in outRec[0].
-void process_geocoder(int handle, const CallArgs &args, const char *callType);
+// the lock. An invalid handle is answered with 'A' in outRec[0]. The list
+// areas are asked for only when the instance lists into them (listing mode
+// 3); "R" also asks for the options, paths and report texts of its copy.
+void process_geocoder(int handle, ArgSource &source, const char *callType);
 
 // Closes the instance in slot `handle` under hkGeoMutex and frees the slot;
-// does nothing for an invalid handle.
-void close_geocoder(int handle, const CallArgs &args);
+// does nothing (and asks for nothing) for an invalid handle. The arguments
+// are obtained before the lock is taken; a throwing source leaves the
+// instance open.
+void close_geocoder(int handle, ArgSource &source);
+
+// The same calls on arguments in memory.
+inline int open_geocoder(const CallArgs &args) {
+  GivenArgs given(args);
+  return open_geocoder(given);
+}
+inline void process_geocoder(int handle, const CallArgs &args,
+                             const char *callType) {
+  GivenArgs given(args);
+  process_geocoder(handle, given, callType);
+}
+inline void close_geocoder(int handle, const CallArgs &args) {
+  GivenArgs given(args);
+  close_geocoder(handle, given);
+}
 
 }  // namespace orlo::native
 

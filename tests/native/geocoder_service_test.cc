@@ -67,12 +67,59 @@ TEST(GeocoderService, TwoHundredInstancesThenTheLimit) {
   EXPECT_EQ(::testing::internal::GetCapturedStdout(),
             "\n Cannot run more than 200 HKGeocoders on one server");
   EXPECT_EQ(c.out[0], 'L');
+  orlo::native::GivenArgs limit(c.args());
+  ::testing::internal::CaptureStdout();
+  EXPECT_EQ(orlo::native::open_geocoder(limit), -1);
+  ::testing::internal::GetCapturedStdout();
+  EXPECT_EQ(limit.asked(), orlo::native::kNeedOutRec);
   close_one(57);
   close_one(3);
   EXPECT_EQ(open_one(c), 3);
   EXPECT_EQ(open_one(c), 57);
   for (int h : handles) close_one(h);
   EXPECT_FALSE(orlo::native::handle_in_use(0));
+}
+
+// Each call obtains only what its call type reads or writes, so an argument
+// it does not use can be missing or short (the JNI layer length-checks what
+// is obtained): the limit only the output record, the open no input record
+// nor list areas, "P" the list areas only in listing mode 3, the close no
+// input record.
+TEST(GeocoderService, CallsAskOnlyForWhatTheyUse) {
+  using namespace orlo::native;
+  Call c;
+  c.options = "L";
+  GivenArgs open_args(c.args());
+  const int h = open_geocoder(open_args);
+  ASSERT_GE(h, 0);
+  EXPECT_EQ(open_args.asked(), kNeedOutRec | kNeedFiles);
+  c.options = "3";
+  GivenArgs listing_open(c.args());
+  const int listing = open_geocoder(listing_open);
+  ASSERT_GE(listing, 0);
+  const struct {
+    int handle;
+    const char *type;
+    unsigned asked;
+  } cases[] = {
+      {h, "P", kNeedInRec | kNeedOutRec},
+      {h, "R", kNeedInRec | kNeedOutRec | kNeedFiles | kNeedReport},
+      {listing, "P", kNeedInRec | kNeedOutRec | kNeedLists},
+      {-1, "P", kNeedOutRec},
+  };
+  for (const auto &k : cases) {
+    GivenArgs args(c.args());
+    process_geocoder(k.handle, args, k.type);
+    EXPECT_EQ(args.asked(), k.asked) << k.handle << k.type;
+  }
+  for (int handle : {h, listing}) {
+    GivenArgs args(c.args());
+    close_geocoder(handle, args);
+    EXPECT_EQ(args.asked(), kNeedOutRec | kNeedReport);
+  }
+  GivenArgs closed(c.args());
+  close_geocoder(h, closed);
+  EXPECT_EQ(closed.asked(), 0u);
 }
 
 TEST(GeocoderService, FailedOpenHoldsItsSlotUntilClosed) {

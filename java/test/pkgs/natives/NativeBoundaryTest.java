@@ -166,11 +166,28 @@ public final class NativeBoundaryTest {
         h, records.get(0), out, null, null, null, null, null, null, null, null, null, null, null,
         null, null, null);
     check(out[0] != 'Y', "null strings are accepted");
+    out[0] = 'Y';
     OrloHKGeocoder.process(
         h, records.get(0), out, "", "", "", "", "", "", "", "", null, l1(), l2(), bd(),
+        new byte[5], new byte[5]);
+    check(out[0] == '0' || out[0] == '1', "short list areas outside listing mode 3 are unused");
+    OrloHKGeocoder.minProcess(
+        h, records.get(0), out, "L", "", "", "", "", "", "", "", null, l1(), l2(), bd(),
         new byte[5], null);
-    check(out[0] == 'Y', "a short name list gives Y");
+    check(out[0] == '0' || out[0] == '1', "minProcess leaves short list areas unused");
     close(h, "L", null);
+    int listing = open(out, "3");
+    OrloHKGeocoder.process(
+        listing, records.get(0), out, "", "", "", "", "", "", "", "", null, l1(), l2(), bd(),
+        new byte[5], new byte[7500]);
+    check(out[0] == 'Y', "a short name list in listing mode 3 gives Y");
+    // The close does not read the input record: a short one still closes the instance.
+    OrloHKGeocoder.closeGeocoder(
+        listing, new byte[3], new byte[300], "L", "20261101", "", "", "", "", "", "", null,
+        null, null, null, null, null);
+    out[0] = '0';
+    process(listing, records.get(0), out);
+    check(out[0] == 'A', "a close with a short input record closes the instance");
     byte[] shortOut = new byte[4];
     int none = open(shortOut, "");
     check(none == -1 && shortOut[0] == 'X', "open with a short output record gives X");
@@ -209,10 +226,10 @@ public final class NativeBoundaryTest {
       OrloHKGeocoder.getErrorMsg(out);
     } else if (what.equals("limit")) {
       for (int i = 0; i < 201; i++) {
+        // The open never reads the input record: the limit holds with none.
         int h =
             OrloHKGeocoder.openGeocoder(
-                blankRecord(200), out, "", "", "", "", "", "", "", "", null, null, null, null,
-                null, null);
+                null, out, "", "", "", "", "", "", "", "", null, null, null, null, null, null);
         if (h < 0) {
           System.out.flush();
           System.out.print("|result " + i + " " + h + " " + (char) out[0]);
