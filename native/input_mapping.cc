@@ -221,7 +221,11 @@ extern "C" int32_t hk_amat(const char *src, char *inrec) {
     inrec[in::mode.off] = '4';
   }
   map_further_line(src, inrec);
-  if (src[2429] != ' ') copy(src, 2429, inrec, in::refcode);
+  // A reference code counts when any of its bytes is given, like the
+  // further line at 1526; only the branch selectors look at a first byte.
+  if (!all_blank(std::string_view(src + 2429, 3))) {
+    copy(src, 2429, inrec, in::refcode);
+  }
   map_area(src, inrec);
   override_mode(src, inrec);
   return 0;
