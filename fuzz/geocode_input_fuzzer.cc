@@ -12,7 +12,7 @@
 
 #include "common/fixed_field.h"
 #include "hkgeocode/input_rows.h"
-#include "hkmatch/record_fields.h"
+#include "hkmatch/input/record_fields.h"
 #include "orlo_records.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "hkmatch/packed_record.h"
+#include "hkmatch/refdata/packed_record.h"
 #include "orlo_matcher.h"
 
 namespace {

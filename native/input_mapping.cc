@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "common/fixed_field.h"
-#include "hkmatch/record_fields.h"
+#include "hkmatch/input/record_fields.h"
 #include "orlo_fields.h"
 #include "orlo_matcher.h"
 

@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <string>
 
+#include "support/file_util.h"
 #include "support/test_db.h"
-#include "tools/file_util.h"
 
 namespace orlo::testing {
 namespace {

@@ -10,8 +10,8 @@
 
 #include "lib/csv_reader.h"
 #include "orlo_matcher.h"
+#include "support/file_util.h"
 #include "support/test_db.h"
-#include "tools/file_util.h"
 
 namespace orlo::testing {
 namespace {

@@ -10,8 +10,8 @@
 
 #include "lib/packed_record_codec.h"
 #include "lib/refdb_compiler.h"
+#include "support/file_util.h"
 #include "support/test_db.h"
-#include "tools/file_util.h"
 
 namespace orlo::tools {
 namespace {

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "lib/refdb_builder.h"
+#include "support/file_util.h"
 #include "support/test_db.h"
-#include "tools/file_util.h"
 
 namespace orlo::tools {
 namespace {

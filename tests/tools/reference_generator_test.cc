@@ -14,8 +14,8 @@
 #include "lib/csv_reader.h"
 #include "lib/refdb_check.h"
 #include "lib/refdb_dump.h"
+#include "support/file_util.h"
 #include "support/test_db.h"
-#include "tools/file_util.h"
 
 namespace orlo::tools {
 namespace {

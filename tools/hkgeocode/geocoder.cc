@@ -1,6 +1,6 @@
 #include "hkgeocode/geocoder.h"
 
-#include "hkmatch/call_dispatch.h"
+#include "hkmatch/calls/statement_rules.h"
 #include "orlo_records.h"
 
 namespace orlo::tools::hkgeocode {

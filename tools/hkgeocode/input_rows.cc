@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "common/fixed_field.h"
-#include "hkmatch/record_fields.h"
+#include "hkmatch/input/record_fields.h"
 #include "orlo_records.h"
 
 namespace orlo::tools::hkgeocode {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "common/fixed_field.h"
-#include "hkmatch/record_fields.h"
+#include "hkmatch/input/record_fields.h"
 #include "lib/csv_writer.h"
 #include "orlo_records.h"
 
