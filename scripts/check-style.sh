@@ -1,7 +1,13 @@
 #!/usr/bin/env bash
-# Static checks: cppcheck over the sources (warnings are errors).
+# Static checks: the layering of includes, cppcheck over the sources
+# (warnings are errors) and clang-format.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+
+# The layer check proves that it refuses a wrong include, then checks the tree.
+/usr/bin/python3 scripts/check_layers.py --self-test
+/usr/bin/python3 scripts/check_layers.py
+
 mapfile -t sources < <(git ls-files -co --exclude-standard -- \
   'common/*.c' 'common/*.cc' 'compare/*.cc' 'hkmatch/*.cc' 'native/*.cc' 'tools/*.cc')
 ((${#sources[@]})) || exit 0
