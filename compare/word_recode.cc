@@ -162,10 +162,10 @@ void recode_word_at(char *field, int32_t len, int32_t pos,
 // to its NUL (or the field's end), and a NUL: the text grows by one or two
 // bytes and its end and NUL land up to three bytes behind the field.
 void widen_start(char *field, int32_t len, std::string_view prefix) {
-  const std::string_view rest = text_before_nul(field + 3, len - 3);
-  std::memmove(field + prefix.size(), rest.data(), rest.size());
+  const size_t rest = text_before_nul(field + 3, len - 3).size();
+  std::memmove(field + prefix.size(), field + 3, rest);
   std::memcpy(field, prefix.data(), prefix.size());
-  field[prefix.size() + rest.size()] = '\0';
+  field[prefix.size() + rest] = '\0';
 }
 
 // "AV" and "BL" as a first word stand for the avenue and boulevard forms.
