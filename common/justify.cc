@@ -19,44 +19,34 @@ constexpr bool is_blank(char c) {
 }  // namespace
 }  // namespace orlo
 
-using orlo::WorkArea;
+using orlo::with_blank_work_area;
 
 extern "C" int32_t cm_lftadj(char *field, int32_t len) {
-  if (len < 0) return -1;
-  if (len == 0) return 0;
-  WorkArea<char> work(static_cast<size_t>(len));
-  if (!work.ok()) return -1;
-  std::memset(work.data(), ' ', static_cast<size_t>(len));
-  int32_t n = orlo::squeeze_into(field, len, work.data(), orlo::is_blank);
-  if (n < 0) return 0;
-  std::memcpy(field, work.data(), static_cast<size_t>(len));
-  return n;
+  return with_blank_work_area(len, ' ', [&](char *work) {
+    int32_t n = orlo::squeeze_into(field, len, work, orlo::is_blank);
+    if (n < 0) return 0;
+    std::memcpy(field, work, static_cast<size_t>(len));
+    return n;
+  });
 }
 
 extern "C" int32_t cm_rhtadj(char *field, int32_t len) {
-  if (len < 0) return -1;
-  if (len == 0) return 0;
-  WorkArea<char> work(static_cast<size_t>(len));
-  if (!work.ok()) return -1;
-  std::memset(work.data(), ' ', static_cast<size_t>(len));
-  int32_t n = orlo::squeeze_into(field, len, work.data(), orlo::is_blank);
-  if (n < 0) return 0;
-  std::memset(field, ' ', static_cast<size_t>(len - n));
-  std::memcpy(field + (len - n), work.data(), static_cast<size_t>(n));
-  return n;
+  return with_blank_work_area(len, ' ', [&](char *work) {
+    int32_t n = orlo::squeeze_into(field, len, work, orlo::is_blank);
+    if (n < 0) return 0;
+    std::memset(field, ' ', static_cast<size_t>(len - n));
+    std::memcpy(field + (len - n), work, static_cast<size_t>(n));
+    return n;
+  });
 }
 
 extern "C" int32_t cm_lftpck(char *field, int32_t len) {
-  if (len < 0) return -1;
-  if (len == 0) return 0;
-  WorkArea<char> work(static_cast<size_t>(len));
-  if (!work.ok()) return -1;
-  int32_t n = 0;
-  for (int32_t i = 0; i < len; ++i) {
-    if (!orlo::is_blank(field[i])) work.data()[n++] = field[i];
-  }
-  if (n == 0) return 0;
-  std::memset(work.data() + n, ' ', static_cast<size_t>(len - n));
-  std::memcpy(field, work.data(), static_cast<size_t>(len));
-  return n;
+  return with_blank_work_area(len, ' ', [&](char *work) {
+    int32_t n = 0;
+    for (int32_t i = 0; i < len; ++i) {
+      if (!orlo::is_blank(field[i])) work[n++] = field[i];
+    }
+    if (n > 0) std::memcpy(field, work, static_cast<size_t>(len));
+    return n;
+  });
 }

@@ -3,7 +3,9 @@
 #ifndef ORLO_COMMON_WORK_AREA_H
 #define ORLO_COMMON_WORK_AREA_H
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 
 namespace orlo {
@@ -45,6 +47,20 @@ class WorkArea {
   T *data_ = nullptr;
   bool heap_ = false;
 };
+
+// The frame of every in-place field routine: a negative length gives -1 and
+// an empty field 0; otherwise `body` runs on a work area of len units filled
+// with `blank`, and its result is returned. When no area can be had the
+// result is -1 and the field is not touched.
+template <typename T, typename Body>
+int32_t with_blank_work_area(int32_t len, T blank, Body body) {
+  if (len < 0) return -1;
+  if (len == 0) return 0;
+  WorkArea<T> work(static_cast<size_t>(len));
+  if (!work.ok()) return -1;
+  std::fill(work.data(), work.data() + len, blank);
+  return body(work.data());
+}
 
 // Makes the next `count` heap work areas of this thread fail, for the tests
 // of the -1 result. Restores the previous setting when it goes out of scope.

@@ -34,15 +34,11 @@ std::string describe(const std::string &csv, const BuildError &err) {
 
 int run_build(int argc, char **argv) {
   Args args;
+  if (int status = start_command(argc, argv, "build", kHelp, {"--date"}, 2,
+                                 "CSV and OUTDIR", &args);
+      status >= 0)
+    return status;
   std::string error;
-  if (!parse_args(argc, argv, 2, {"--date"}, &args, &error))
-    return usage_error("build", error);
-  if (args.help) {
-    std::fputs(kHelp, stdout);
-    return kExitOk;
-  }
-  if (args.positional.size() != 2)
-    return usage_error("build", "expected CSV and OUTDIR");
   const std::string &csv_path = args.positional[0];
   const std::string &outdir = args.positional[1];
   BuildOptions options;

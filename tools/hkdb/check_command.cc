@@ -27,15 +27,11 @@ constexpr size_t kFaultsShown = 1000;
 
 int run_check(int argc, char **argv) {
   Args args;
+  if (int status =
+          start_command(argc, argv, "check", kHelp, {}, 1, "DBDIR", &args);
+      status >= 0)
+    return status;
   std::string error;
-  if (!parse_args(argc, argv, 2, {}, &args, &error))
-    return usage_error("check", error);
-  if (args.help) {
-    std::fputs(kHelp, stdout);
-    return kExitOk;
-  }
-  if (args.positional.size() != 1)
-    return usage_error("check", "expected DBDIR");
   RefdbImages images;
   if (!load_reference_images(args.positional[0], &images, &error))
     return data_error("check", error);

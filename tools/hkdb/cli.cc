@@ -38,6 +38,22 @@ bool parse_args(int argc, char **argv, int first,
   return true;
 }
 
+int start_command(int argc, char **argv, std::string_view cmd, const char *help,
+                  const std::vector<std::string_view> &value_options,
+                  size_t positionals, std::string_view expected, Args *args) {
+  std::string error;
+  if (!parse_args(argc, argv, 2, value_options, args, &error))
+    return usage_error(cmd, error);
+  if (args->help) {
+    std::fputs(help, stdout);
+    return kExitOk;
+  }
+  if (args->positional.size() == positionals) return -1;
+  if (positionals == 0)
+    return usage_error(cmd, "unexpected argument " + args->positional[0]);
+  return usage_error(cmd, "expected " + std::string(expected));
+}
+
 int usage_error(std::string_view cmd, const std::string &message) {
   std::fprintf(stderr, "hkdb %.*s: %s\nTry 'hkdb %.*s --help'.\n",
                static_cast<int>(cmd.size()), cmd.data(), message.c_str(),

@@ -28,6 +28,14 @@ bool parse_args(int argc, char **argv, int first,
                 const std::vector<std::string_view> &value_options, Args *args,
                 std::string *error);
 
+// What every subcommand does first: parses argv[2..] with value_options,
+// prints `help` for --help, and requires `positionals` positional arguments
+// (`expected` names them in the usage error). Returns -1 when the command
+// goes on with *args, otherwise the exit status to return.
+int start_command(int argc, char **argv, std::string_view cmd, const char *help,
+                  const std::vector<std::string_view> &value_options,
+                  size_t positionals, std::string_view expected, Args *args);
+
 // Prints "hkdb CMD: message" and a pointer to --help; returns kExitUsage.
 int usage_error(std::string_view cmd, const std::string &message);
 // Prints "hkdb CMD: message"; returns kExitData.

@@ -23,14 +23,11 @@ constexpr size_t kFaultsShown = 20;
 
 int run_dump(int argc, char **argv) {
   Args args;
+  if (int status = start_command(argc, argv, "dump", kHelp, {"--out"}, 1,
+                                 "DBDIR", &args);
+      status >= 0)
+    return status;
   std::string error;
-  if (!parse_args(argc, argv, 2, {"--out"}, &args, &error))
-    return usage_error("dump", error);
-  if (args.help) {
-    std::fputs(kHelp, stdout);
-    return kExitOk;
-  }
-  if (args.positional.size() != 1) return usage_error("dump", "expected DBDIR");
   RefdbImages images;
   if (!load_reference_images(args.positional[0], &images, &error))
     return data_error("dump", error);

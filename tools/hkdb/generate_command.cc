@@ -21,16 +21,12 @@ constexpr const char *kHelp =
 
 int run_generate(int argc, char **argv) {
   Args args;
+  if (int status =
+          start_command(argc, argv, "generate", kHelp,
+                        {"--records", "--seed", "--out"}, 0, "", &args);
+      status >= 0)
+    return status;
   std::string error;
-  if (!parse_args(argc, argv, 2, {"--records", "--seed", "--out"}, &args,
-                  &error))
-    return usage_error("generate", error);
-  if (args.help) {
-    std::fputs(kHelp, stdout);
-    return kExitOk;
-  }
-  if (!args.positional.empty())
-    return usage_error("generate", "unexpected argument " + args.positional[0]);
   GeneratorOptions options;
   auto records = args.options.find("--records");
   if (records == args.options.end())

@@ -18,83 +18,28 @@ public final class OrloHKGeocoder {
   private OrloHKGeocoder() {}
 
   /** Opens a geocoder instance; returns its handle (0..199), or -1 when 200 are open. */
-  public static native int openGeocoder(
-      byte[] inRec,
-      byte[] outRec,
-      String options,
-      String skipBaseDate,
-      String reportLine1,
-      String reportLine2,
-      String reportLine3,
-      String reportLine4,
-      String reportLine5,
-      String reportLine6,
-      String reportPath,
-      String level1Path,
-      String level2Path,
-      String basedataPath,
-      byte[] namelist,
-      byte[] reclist);
+  public static native int openGeocoder(byte[] inRec, byte[] outRec, String options,
+      String skipBaseDate, String reportLine1, String reportLine2, String reportLine3,
+      String reportLine4, String reportLine5, String reportLine6, String reportPath,
+      String level1Path, String level2Path, String basedataPath, byte[] namelist, byte[] reclist);
 
   /** Geocodes the address in inRec into outRec on the instance {@code handle}. */
-  public static native void process(
-      int handle,
-      byte[] inRec,
-      byte[] outRec,
-      String options,
-      String skipBaseDate,
-      String reportLine1,
-      String reportLine2,
-      String reportLine3,
-      String reportLine4,
-      String reportLine5,
-      String reportLine6,
-      String reportPath,
-      String level1Path,
-      String level2Path,
-      String basedataPath,
-      byte[] namelist,
-      byte[] reclist);
+  public static native void process(int handle, byte[] inRec, byte[] outRec, String options,
+      String skipBaseDate, String reportLine1, String reportLine2, String reportLine3,
+      String reportLine4, String reportLine5, String reportLine6, String reportPath,
+      String level1Path, String level2Path, String basedataPath, byte[] namelist, byte[] reclist);
 
   /** Geocodes one address in a private copy of the instance, leaving the instance unchanged. */
-  public static native void minProcess(
-      int handle,
-      byte[] inRec,
-      byte[] outRec,
-      String options,
-      String skipBaseDate,
-      String reportLine1,
-      String reportLine2,
-      String reportLine3,
-      String reportLine4,
-      String reportLine5,
-      String reportLine6,
-      String reportPath,
-      String level1Path,
-      String level2Path,
-      String basedataPath,
-      byte[] namelist,
-      byte[] reclist);
+  public static native void minProcess(int handle, byte[] inRec, byte[] outRec, String options,
+      String skipBaseDate, String reportLine1, String reportLine2, String reportLine3,
+      String reportLine4, String reportLine5, String reportLine6, String reportPath,
+      String level1Path, String level2Path, String basedataPath, byte[] namelist, byte[] reclist);
 
   /** Closes the instance, writing the accuracy statement when the options allow it. */
-  public static native void closeGeocoder(
-      int handle,
-      byte[] inRec,
-      byte[] outRec,
-      String options,
-      String skipBaseDate,
-      String reportLine1,
-      String reportLine2,
-      String reportLine3,
-      String reportLine4,
-      String reportLine5,
-      String reportLine6,
-      String reportPath,
-      String level1Path,
-      String level2Path,
-      String basedataPath,
-      byte[] namelist,
-      byte[] reclist);
+  public static native void closeGeocoder(int handle, byte[] inRec, byte[] outRec, String options,
+      String skipBaseDate, String reportLine1, String reportLine2, String reportLine3,
+      String reportLine4, String reportLine5, String reportLine6, String reportPath,
+      String level1Path, String level2Path, String basedataPath, byte[] namelist, byte[] reclist);
 
   /** Prints the message of the return code in byte 0 of record on standard error; returns 0. */
   public static native int getErrorMsg(byte[] record);
