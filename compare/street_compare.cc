@@ -12,6 +12,7 @@
 #include <optional>
 #include <string_view>
 
+#include "compare/latin1_fold.h"
 #include "compare/street_words.h"
 #include "compare/text_bytes.h"
 #include "compare/word_recode.h"
@@ -21,6 +22,8 @@ namespace orlo {
 namespace {
 
 constexpr int32_t kWorkLen = kStreetWorkLen;
+static_assert(kWorkLen <= kFoldMaxLen,
+              "letter folding covers a whole work copy");
 
 // A work copy of a street: kWorkLen bytes of text area, zero-filled so that
 // the text is followed by NULs, with room behind it for the bytes that the
@@ -61,8 +64,8 @@ StreetOptions read_options(char *options) {
   return o;
 }
 
-// --- work copies and letter folding
-// --------------------------------------------
+// --- work copies
+// -------------------------------------------------------------------
 
 // Copies a street into a zero-filled area and returns the length to work
 // with: at most kWorkLen, and at full length the last byte is a NUL.
@@ -74,45 +77,6 @@ int32_t copy_street(StreetArea &area, const char *street, int32_t len) {
   }
   if (len >= kWorkLen) area[kWorkLen - 1] = '\0';
   return n;
-}
-
-struct LetterFold {
-  unsigned char from;
-  std::string_view to;
-};
-
-constexpr std::array<LetterFold, 7> kLetterFolds = {{
-    {0xC4, "AE"},
-    {0xC6, "AE"},
-    {0xC5, "AA"},
-    {0xD6, "OE"},
-    {0xD8, "OE"},
-    {0xDC, "UE"},
-    {0xDF, "SS"},
-}};
-
-std::string_view fold_of(char c) {
-  for (const LetterFold &f : kLetterFolds) {
-    if (static_cast<unsigned char>(c) == f.from) return f.to;
-  }
-  return {};
-}
-
-// Writes each letter's plain form; text pushed beyond len is lost.
-void fold_letters(StreetArea &area, int32_t len) {
-  std::array<char, 2 * kWorkLen> scratch;
-  scratch.fill(' ');
-  size_t out = 0;
-  for (int32_t i = 0; i < len && out < static_cast<size_t>(len); ++i) {
-    const std::string_view to = fold_of(area[static_cast<size_t>(i)]);
-    if (to.empty()) {
-      scratch[out++] = area[static_cast<size_t>(i)];
-    } else {
-      std::memcpy(scratch.data() + out, to.data(), to.size());
-      out += to.size();
-    }
-  }
-  std::memcpy(area.data(), scratch.data(), static_cast<size_t>(len));
 }
 
 // --- normalisation and recoding
@@ -277,8 +241,8 @@ int32_t compare_streets(const char *s1, const char *s2, int32_t len,
   copy_street(b, s2, len);
   const StreetOptions opt = read_options(options);
   if (opt.fold_letters) {
-    fold_letters(a, len);
-    fold_letters(b, len);
+    fold_latin1_letters(a.data(), len);
+    fold_latin1_letters(b.data(), len);
   }
   if (std::memcmp(a.data(), b.data(), len) == 0 && !is_blank(a[0])) {
     return 100;

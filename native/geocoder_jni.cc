@@ -12,6 +12,7 @@
 #include <exception>
 
 #include "native/geocoder_service.h"
+#include "orlo_codes.h"
 #include "orlo_matcher.h"
 
 namespace orlo::native {
@@ -126,19 +127,19 @@ struct JavaArgs final : ArgSource {
 
   CallArgs obtain(unsigned needs) override {
     CallArgs a;
-    if (needs & kNeedOutRec) a.outRec = outRec.obtain(HKOUTREC_SIZE);
-    if (needs & kNeedInRec) a.inRec = inRec.obtain(HKINREC_SIZE);
+    if (needs & kNeedOutRec) a.out_rec = outRec.obtain(HKOUTREC_SIZE);
+    if (needs & kNeedInRec) a.in_rec = inRec.obtain(HKINREC_SIZE);
     if (needs & (kNeedFiles | kNeedReport)) a.options = options.obtain();
     if (needs & kNeedFiles) {
-      a.level1Path = level1Path.obtain();
-      a.level2Path = level2Path.obtain();
-      a.basedataPath = basedataPath.obtain();
+      a.level1_path = level1Path.obtain();
+      a.level2_path = level2Path.obtain();
+      a.basedata_path = basedataPath.obtain();
     }
     if (needs & kNeedReport) {
-      a.skipBaseDate = skipBaseDate.obtain();
+      a.skip_base_date = skipBaseDate.obtain();
       StringArg *lines[6] = {&line1, &line2, &line3, &line4, &line5, &line6};
-      for (int i = 0; i < 6; ++i) a.reportLine[i] = lines[i]->obtain();
-      a.reportPath = reportPath.obtain();
+      for (int i = 0; i < 6; ++i) a.report_lines[i] = lines[i]->obtain();
+      a.report_path = reportPath.obtain();
     }
     if (needs & kNeedLists) {
       a.namelist = list_area(namelist, kNamelistSize, 0);
@@ -185,6 +186,26 @@ void run(JavaArgs &args, char marker, const char *failed, const char *release,
   }
 }
 
+// The two lines a method prints: on a failure, and on a failure while
+// releasing what it obtained.
+struct FailureLines {
+  const char *failed;
+  const char *release;
+};
+constexpr FailureLines kProcessLines{
+    "orloHKGeocoder : exception in process\n",
+    "orloHKGeocoder.process : exception while releasing memory\n"};
+constexpr FailureLines kMinProcessLines{
+    "orloHKGeocoder : exception in minProcess\n",
+    "orloHKGeocoder.minProcess : exception while releasing memory\n"};
+
+// process ("P") and minProcess ("R").
+void process_call(JavaArgs &args, jint handle, const char *type,
+                  const FailureLines &lines) {
+  run(args, HKRC_PROCESS_FAILED, lines.failed, lines.release,
+      [handle, type](JavaArgs &a) { process_geocoder(handle, a, type); });
+}
+
 }  // namespace
 }  // namespace orlo::native
 
@@ -220,7 +241,7 @@ JNIEXPORT jint JNICALL Java_pkgs_natives_OrloHKGeocoder_openGeocoder(
   ORLO_JAVA_ARGS;
   int slot = -1;
   orlo::native::run(
-      args, 'X', "orloHKGeocoder : exception in open\n",
+      args, HKRC_OPEN_FAILED, "orloHKGeocoder : exception in open\n",
       "orloHKGeocoder.open : exception while releasing memory\n",
       [&slot](JavaArgs &a) { slot = orlo::native::open_geocoder(a); });
   return slot;
@@ -229,30 +250,20 @@ JNIEXPORT jint JNICALL Java_pkgs_natives_OrloHKGeocoder_openGeocoder(
 JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_process(
     JNIEnv *env, jclass /*cls*/, jint handle, ORLO_JAVA_PARAMS) {
   ORLO_JAVA_ARGS;
-  orlo::native::run(
-      args, 'Y', "orloHKGeocoder : exception in process\n",
-      "orloHKGeocoder.process : exception while releasing memory\n",
-      [handle](JavaArgs &a) {
-        orlo::native::process_geocoder(handle, a, "P");
-      });
+  orlo::native::process_call(args, handle, "P", orlo::native::kProcessLines);
 }
 
 JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_minProcess(
     JNIEnv *env, jclass /*cls*/, jint handle, ORLO_JAVA_PARAMS) {
   ORLO_JAVA_ARGS;
-  orlo::native::run(
-      args, 'Y', "orloHKGeocoder : exception in minProcess\n",
-      "orloHKGeocoder.minProcess : exception while releasing memory\n",
-      [handle](JavaArgs &a) {
-        orlo::native::process_geocoder(handle, a, "R");
-      });
+  orlo::native::process_call(args, handle, "R", orlo::native::kMinProcessLines);
 }
 
 JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_closeGeocoder(
     JNIEnv *env, jclass /*cls*/, jint handle, ORLO_JAVA_PARAMS) {
   ORLO_JAVA_ARGS;
   orlo::native::run(
-      args, 'Z', "orloHKGeocoder:exception in close\n",
+      args, HKRC_CLOSE_FAILED, "orloHKGeocoder:exception in close\n",
       "orloHKGeocoder.close: exception while releasing memory\n",
       [handle](JavaArgs &a) { orlo::native::close_geocoder(handle, a); });
 }
@@ -264,7 +275,7 @@ JNIEXPORT jint JNICALL Java_pkgs_natives_OrloHKGeocoder_getErrorMsg(
     hk_doem(rec.obtain(1));
   } catch (...) {
     orlo::native::say("orloHKGeocoder:exception in getErrorMsg\n");
-    rec.mark('W');
+    rec.mark(HKRC_ERRMSG_FAILED);
   }
   try {
     rec.release();
@@ -284,7 +295,7 @@ JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_copyFields(
     hk_amat(src.obtain(HKSRCREC_SIZE), rec);
   } catch (...) {
     orlo::native::say("orloHKGeocoder : exception in copyFields\n");
-    in.mark('V');
+    in.mark(HKRC_COPY_FAILED);
   }
   try {
     in.release();

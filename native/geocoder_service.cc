@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <mutex>
 
+#include "orlo_codes.h"
+
 HKHANDLE HKCONTROL[kMaxGeocoders];
 pthread_mutex_t hkGeoMutex = PTHREAD_MUTEX_INITIALIZER;
 
@@ -36,10 +38,11 @@ void set_slot(int slot, const HKHANDLE &value) {
 }
 
 void call(const char *type, HKHANDLE *handle, const CallArgs &a) {
-  hk_mtci(type, handle, a.inRec, a.outRec, a.options, a.skipBaseDate,
-          a.reportLine[0], a.reportLine[1], a.reportLine[2], a.reportLine[3],
-          a.reportLine[4], a.reportLine[5], a.reportPath, a.level1Path,
-          a.level2Path, a.basedataPath, a.namelist, a.reclist);
+  hk_mtci(type, handle, a.in_rec, a.out_rec, a.options, a.skip_base_date,
+          a.report_lines[0], a.report_lines[1], a.report_lines[2],
+          a.report_lines[3], a.report_lines[4], a.report_lines[5],
+          a.report_path, a.level1_path, a.level2_path, a.basedata_path,
+          a.namelist, a.reclist);
 }
 
 }  // namespace
@@ -47,22 +50,22 @@ void call(const char *type, HKHANDLE *handle, const CallArgs &a) {
 CallArgs GivenArgs::obtain(unsigned needs) {
   asked_ |= needs;
   CallArgs a;
-  if (needs & kNeedInRec) a.inRec = args_.inRec;
-  if (needs & kNeedOutRec) a.outRec = args_.outRec;
+  if (needs & kNeedInRec) a.in_rec = args_.in_rec;
+  if (needs & kNeedOutRec) a.out_rec = args_.out_rec;
   if (needs & kNeedLists) {
     a.namelist = args_.namelist;
     a.reclist = args_.reclist;
   }
   if (needs & (kNeedFiles | kNeedReport)) a.options = args_.options;
   if (needs & kNeedFiles) {
-    a.level1Path = args_.level1Path;
-    a.level2Path = args_.level2Path;
-    a.basedataPath = args_.basedataPath;
+    a.level1_path = args_.level1_path;
+    a.level2_path = args_.level2_path;
+    a.basedata_path = args_.basedata_path;
   }
   if (needs & kNeedReport) {
-    a.skipBaseDate = args_.skipBaseDate;
-    for (int i = 0; i < 6; ++i) a.reportLine[i] = args_.reportLine[i];
-    a.reportPath = args_.reportPath;
+    a.skip_base_date = args_.skip_base_date;
+    for (int i = 0; i < 6; ++i) a.report_lines[i] = args_.report_lines[i];
+    a.report_path = args_.report_path;
   }
   return a;
 }
@@ -76,7 +79,7 @@ int open_geocoder(ArgSource &source) {
                 kMaxGeocoders);
     std::fflush(stdout);
     lock.unlock();
-    source.obtain(kNeedOutRec).outRec[0] = 'L';
+    source.obtain(kNeedOutRec).out_rec[0] = HKRC_NO_SLOT;
     return -1;
   }
   const CallArgs args = source.obtain(kNeedOutRec | kNeedFiles);
@@ -92,7 +95,7 @@ bool handle_in_use(int handle) {
 
 void process_geocoder(int handle, ArgSource &source, const char *callType) {
   if (!handle_in_use(handle)) {
-    source.obtain(kNeedOutRec).outRec[0] = 'A';
+    source.obtain(kNeedOutRec).out_rec[0] = HKRC_NOT_OPEN;
     return;
   }
   HKHANDLE local{};

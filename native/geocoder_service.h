@@ -6,6 +6,7 @@
 
 #include <pthread.h>
 
+#include "hkmatch/calls/call_args.h"
 #include "orlo_matcher.h"
 
 // The process-wide table of 200 geocoder handles (slot index = the handle
@@ -17,28 +18,17 @@ extern pthread_mutex_t hkGeoMutex;
 
 namespace orlo::native {
 
-// The sixteen arguments that every dispatcher call from Java carries.
-struct CallArgs {
-  const char *inRec = nullptr;
-  char *outRec = nullptr;
-  const char *options = nullptr;
-  const char *skipBaseDate = nullptr;
-  const char *reportLine[6] = {};
-  const char *reportPath = nullptr;
-  const char *level1Path = nullptr;
-  const char *level2Path = nullptr;
-  const char *basedataPath = nullptr;
-  char *namelist = nullptr;
-  char *reclist = nullptr;
-};
+// The arguments of a call from Java: those of hk_mtci without the call type
+// and the handle, which the table fills in.
+using ::orlo::CallArgs;
 
 // The parts of the arguments that a call reads or writes.
 enum ArgNeed : unsigned {
-  kNeedInRec = 1u << 0,   // inRec, 200 bytes, read
-  kNeedOutRec = 1u << 1,  // outRec, 300 bytes, written
+  kNeedInRec = 1u << 0,   // in_rec, 200 bytes, read
+  kNeedOutRec = 1u << 1,  // out_rec, 300 bytes, written
   kNeedLists = 1u << 2,   // namelist (30000) and reclist (7500), written
   kNeedFiles = 1u << 3,   // options and the three file paths
-  kNeedReport = 1u << 4,  // options, skipBaseDate, report lines and path
+  kNeedReport = 1u << 4,  // options, skip_base_date, report lines and path
 };
 
 // Where a call's arguments come from. A call asks once, when it knows that

@@ -33,7 +33,7 @@ ROOMS = {
                           "hkmatch/refdata", "hkmatch/input"], []),
     "hkmatch/search": (["common", "compare"] + MATCHER[:4], []),
     "hkmatch/calls": (["common", "compare"] + MATCHER[:5],
-                      ["statement_rules.h"]),
+                      ["statement_rules.h", "call_args.h"]),
     "native": (["common", "compare"] + MATCHER, ["geocoder_service.h"]),
     "tools/lib": (["common", "compare"] + MATCHER, "*"),
     "tools": (["common", "compare", "tools/lib"] + MATCHER, []),

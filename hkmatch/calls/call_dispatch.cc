@@ -9,6 +9,7 @@
 #include "hkmatch/calls/call_dispatch.h"
 
 #include "common/fixed_field.h"
+#include "orlo_codes.h"
 #include "orlo_records.h"
 
 namespace orlo {
@@ -16,13 +17,13 @@ namespace {
 
 void blank_record(char *rec) {
   fill_blanks(rec, HKOUTREC_SIZE);
-  rec[HKOUT_RETCODE_OFF] = '0';
+  rec[HKOUT_RETCODE_OFF] = HKRC_OK;
 }
 
 void open_instance(const CallArgs &a) {
   blank_record(a.out_rec);
   if (a.handle == nullptr) {
-    a.out_rec[HKOUT_RETCODE_OFF] = 'A';
+    a.out_rec[HKOUT_RETCODE_OFF] = HKRC_NOT_OPEN;
     return;
   }
   hk_mopn(&a.handle->mcb, &a.out_rec[HKOUT_RETCODE_OFF], a.options,
@@ -32,12 +33,12 @@ void open_instance(const CallArgs &a) {
 void process_call(const CallArgs &a, const MatcherSteps &steps, char *area) {
   blank_record(a.out_rec);
   if (a.in_rec == nullptr) {
-    a.out_rec[HKOUT_RETCODE_OFF] = '2';
+    a.out_rec[HKOUT_RETCODE_OFF] = HKRC_CALL_TYPE;
     return;
   }
   HKMCB *mcb = processable_instance(a.handle);
   if (mcb == nullptr) {
-    a.out_rec[HKOUT_RETCODE_OFF] = 'A';
+    a.out_rec[HKOUT_RETCODE_OFF] = HKRC_NOT_OPEN;
     return;
   }
   process_record(a, mcb, steps, area);
@@ -45,7 +46,7 @@ void process_call(const CallArgs &a, const MatcherSteps &steps, char *area) {
 
 void private_copy_call(const CallArgs &a, const MatcherSteps &steps) {
   if (a.in_rec == nullptr) {
-    a.out_rec[HKOUT_RETCODE_OFF] = '2';
+    a.out_rec[HKOUT_RETCODE_OFF] = HKRC_CALL_TYPE;
     return;
   }
   process_in_private_copy(a, steps);
@@ -89,7 +90,7 @@ void dispatch(const CallArgs &a, const MatcherSteps &steps) {
       close_instance(a, steps.now());
       break;
     default:
-      a.out_rec[HKOUT_RETCODE_OFF] = '2';
+      a.out_rec[HKOUT_RETCODE_OFF] = HKRC_CALL_TYPE;
       break;
   }
 }

@@ -5,6 +5,7 @@
 #include <ctime>
 
 #include "hkmatch/calls/call_dispatch.h"
+#include "orlo_codes.h"
 #include "orlo_records.h"
 
 namespace orlo {
@@ -65,7 +66,7 @@ void report_before_close(const CallArgs &a, const HKMCB &mcb, time_t now) {
   if (supplied) {
     take_supplied_date(a.skip_base_date, dbdate);
   } else if (!read_database_date(mcb, dbdate)) {
-    a.out_rec[HKOUT_RETCODE_OFF] = '5';
+    a.out_rec[HKOUT_RETCODE_OFF] = HKRC_BASEDATA_SEEK;
     return;
   }
   if (report_wanted(mcb, a.options)) {

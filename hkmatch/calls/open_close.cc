@@ -11,6 +11,9 @@
 #include <cstring>
 #include <memory>
 
+#include "common/byte_order.h"
+#include "hkmatch/refdata/reference_format.h"
+#include "orlo_codes.h"
 #include "orlo_matcher.h"
 
 namespace orlo {
@@ -19,19 +22,20 @@ namespace {
 
 // '0' when a step succeeded, otherwise the return code of its failure.
 using Code = char;
-constexpr Code kOk = '0';
-constexpr Code kNoStorage = '3';
-constexpr Code kLevel2Seek = '4';
-constexpr Code kBasedataSeek = '5';
-constexpr Code kBadBasedata = '6';
-constexpr Code kBadExtract = '6';
-constexpr Code kBadLevel1 = '7';
-constexpr Code kBadLevel2 = '8';
+constexpr Code kOk = HKRC_OK;
+constexpr Code kNoStorage = HKRC_STORAGE;
+constexpr Code kLevel2Seek = HKRC_LEVEL2_SEEK;
+constexpr Code kBasedataSeek = HKRC_BASEDATA_SEEK;
+constexpr Code kBadBasedata = HKRC_BASEDATA_OPEN;
+constexpr Code kBadExtract = HKRC_BASEDATA_OPEN;
+constexpr Code kBadLevel1 = HKRC_LEVEL1_OPEN;
+constexpr Code kBadLevel2 = HKRC_LEVEL2_OPEN;
 
 constexpr int32_t kCacheMax = 3000000;
-constexpr size_t kLevel1RecordSize = 40;
+constexpr size_t kLevel1RecordSize = refdb::kLevel1RecordBytes;
 constexpr size_t kLevel1KeySize = sizeof(L1ENTRY::l1key);
-constexpr size_t kImageUnit = 23200;
+static_assert(kLevel1KeySize == refdb::kKeyBytes);
+constexpr size_t kImageUnit = refdb::kUnitBytes;
 constexpr size_t kOutpathMax = sizeof(HKMCB::outpath) - 1;
 
 // What the first character of the open option string selects; a character
@@ -126,22 +130,13 @@ void close_file(FILE *&fp) {
   fp = nullptr;
 }
 
-uint32_t be32(const unsigned char *p) {
-  return (static_cast<uint32_t>(p[0]) << 24) |
-         (static_cast<uint32_t>(p[1]) << 16) |
-         (static_cast<uint32_t>(p[2]) << 8) | p[3];
-}
-
-uint16_t be16(const unsigned char *p) {
-  return static_cast<uint16_t>((p[0] << 8) | p[1]);
-}
-
 // Reads the next LEVEL1 record into rec. False at the end of the index: a
 // read that does not return a whole record, or the end record (first four
 // bytes zero). Read errors end the index like the end of the file.
 bool next_level1(FILE *fp, unsigned char (&rec)[kLevel1RecordSize]) {
   if (std::fread(rec, 1, sizeof rec, fp) != sizeof rec) return false;
-  return !(rec[0] == 0 && rec[1] == 0 && rec[2] == 0 && rec[3] == 0);
+  static_assert(refdb::kEndRecordZeros == 4);
+  return load_be32(rec) != 0;
 }
 
 int64_t count_level1(FILE *fp) {
@@ -159,9 +154,9 @@ int32_t read_level1(FILE *fp, L1ENTRY *tab, int64_t cap) {
   while (next_level1(fp, rec) && n < cap) {
     L1ENTRY &e = tab[n++];
     std::memcpy(e.l1key, rec, kLevel1KeySize);
-    e.l2off = be32(rec + 30);
-    e.l2len = be32(rec + 34);
-    e.l2cnt = be16(rec + 38);
+    e.l2off = load_be32(rec + refdb::kLevel1OffsetAt);
+    e.l2len = load_be32(rec + refdb::kLevel1LengthAt);
+    e.l2cnt = load_be16(rec + refdb::kLevel1CountAt);
   }
   return n;
 }

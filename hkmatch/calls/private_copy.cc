@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "hkmatch/calls/call_dispatch.h"
+#include "orlo_codes.h"
 #include "orlo_records.h"
 
 namespace orlo {
@@ -98,20 +99,20 @@ char open_own_files(const CallArgs &a, HKMCB *copy, OwnFiles *files) {
   copy->inmem = 0;
   copy->lvl2mem = nullptr;
   copy->basemem = nullptr;
-  char rc = '0';
+  char rc = HKRC_OK;
   if (copy->outmode == 1 || copy->outmode == 2) {
     files->extract = std::fopen(copy->outpath, "wb");
-    if (files->extract == nullptr) rc = '6';
+    if (files->extract == nullptr) rc = HKRC_BASEDATA_OPEN;
   }
-  if (rc == '0') {
+  if (rc == HKRC_OK) {
     files->base = open_or_null(a.basedata_path, "rb");
-    if (files->base == nullptr) rc = '6';
+    if (files->base == nullptr) rc = HKRC_BASEDATA_OPEN;
   }
-  if (rc == '0') {
+  if (rc == HKRC_OK) {
     files->level2 = open_or_null(a.level2_path, "rb");
-    if (files->level2 == nullptr) rc = '8';
+    if (files->level2 == nullptr) rc = HKRC_LEVEL2_OPEN;
   }
-  if (rc != '0') {
+  if (rc != HKRC_OK) {
     files->close_all();
     return rc;
   }
@@ -120,7 +121,7 @@ char open_own_files(const CallArgs &a, HKMCB *copy, OwnFiles *files) {
   copy->lvl2fp = files->level2;
   copy->basesize = file_size(files->base);
   copy->lvl2size = file_size(files->level2);
-  return '0';
+  return HKRC_OK;
 }
 
 // The nested "P" and "C" on the second block; the close releases it.
@@ -142,7 +143,7 @@ void process_in_private_copy(const CallArgs &a, const MatcherSteps &steps) {
   char *rc = &a.out_rec[HKOUT_RETCODE_OFF];
   const HKMCB *instance = a.handle != nullptr ? a.handle->mcb : nullptr;
   if (instance == nullptr || !open_succeeded(*instance)) {
-    *rc = 'A';
+    *rc = HKRC_NOT_OPEN;
     return;
   }
   // Both blocks are had before anything else happens, so that running out
@@ -151,21 +152,21 @@ void process_in_private_copy(const CallArgs &a, const MatcherSteps &steps) {
   HKMCB *second = first != nullptr ? new_block() : nullptr;
   if (second == nullptr) {
     std::free(first);
-    *rc = '3';
+    *rc = HKRC_STORAGE;
     return;
   }
   std::memcpy(first, instance, sizeof *first);
   if (first->state != 'O') {
     std::free(first);
     std::free(second);
-    *rc = 'A';
+    *rc = HKRC_NOT_OPEN;
     return;
   }
   detach_search_state(first);
   OwnFiles files;
   if (memory_mode_requested(a.options)) {
     first->inmem = 1;
-  } else if (char code = open_own_files(a, first, &files); code != '0') {
+  } else if (char code = open_own_files(a, first, &files); code != HKRC_OK) {
     std::free(first);
     std::free(second);
     *rc = code;

@@ -6,6 +6,7 @@
 #include "common/fixed_field.h"
 #include "hkmatch/calls/call_dispatch.h"
 #include "hkmatch/input/record_fields.h"
+#include "orlo_codes.h"
 
 namespace orlo {
 namespace {
@@ -19,7 +20,7 @@ bool same_bytes(const char *a, FieldRef fa, const char *b, FieldRef fb,
 }
 
 bool accepted(const char *outrec) {
-  return outrec[out::matchstat.off] == '0';
+  return outrec[out::matchstat.off] == HKMS_ACCEPTED;
 }
 
 // Runs the search into `result`, which starts as blanks with '0' in byte 0.
@@ -28,7 +29,7 @@ void search_once(const CallArgs &a, HKMCB *mcb, const MatcherSteps &steps,
   std::memset(work, 0, sizeof *work);
   steps.pad(working_in, work, mcb);
   fill_blanks(result, HKOUTREC_SIZE);
-  result[out::retcode.off] = '0';
+  result[out::retcode.off] = HKRC_OK;
   char small_area[kSmallAreaSize];
   fill_blanks(small_area, sizeof small_area);
   steps.search(a.handle, work, result, working_in, a.namelist, a.reclist, 0,

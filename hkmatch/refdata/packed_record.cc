@@ -8,52 +8,29 @@
 #include <cstdio>
 #include <cstring>
 
+#include "common/byte_order.h"
 #include "hkmatch/refdata/reference_access.h"
+#include "hkmatch/refdata/reference_format.h"
 
 namespace orlo {
 
 namespace {
 
-// Layout of a packed record: length byte, two presence bytes, one unused
-// byte, then the items of the present fields in field order.
-constexpr size_t kPresence1 = 1;
-constexpr size_t kPresence2 = 2;
-constexpr size_t kFirstItem = 4;
-static_assert(kMinRecordLength == kFirstItem);
-
-// Item header: the top three bits give the type, the low five the number of
-// data bytes that follow.
-constexpr unsigned char kLengthMask = 0x1F;
-
-enum class ItemType { kText, kSmall, kNumber, kLong, kUnknown };
-
-// The tests are made in this order because the type bits overlap: 111 is
-// also 11x, and 11x is also 1xx.
-ItemType item_type(unsigned char header) {
-  if ((header & 0xE0) == 0xE0) return ItemType::kText;
-  if ((header & 0xC0) == 0xC0) return ItemType::kSmall;
-  if ((header & 0x80) != 0) return ItemType::kNumber;
-  if ((header & 0x60) == 0x60) return ItemType::kLong;
-  return ItemType::kUnknown;
-}
+using refdb::item_type;
+using refdb::ItemType;
 
 size_t data_length(unsigned char header) {
-  return header & kLengthMask;
+  return header & refdb::kItemLengthMask;
 }
 
 // Bytes that decoding reads after the header: a number is read at its own
 // width whatever the header's length says.
 size_t bytes_read(unsigned char header) {
-  switch (item_type(header)) {
-    case ItemType::kSmall:
-      return 1;
-    case ItemType::kNumber:
-      return 2;
-    case ItemType::kLong:
-      return 4;
-    default:
-      return data_length(header);
+  const ItemType type = item_type(header);
+  if (type == ItemType::kText || type == ItemType::kUnknown) {
+    return data_length(header);
   }
+  return refdb::number_width(type);
 }
 
 // Decodes one item into text (at least 32 bytes); unknown types give the
@@ -71,15 +48,11 @@ void decode_item(const unsigned char *item, char *text) {
       std::snprintf(text, 32, "%d", static_cast<int>(d[0]));
       return;
     case ItemType::kNumber:
-      std::snprintf(text, 32, "%d", static_cast<int>((d[0] << 8) | d[1]));
+      std::snprintf(text, 32, "%d", static_cast<int>(load_be16(d)));
       return;
-    case ItemType::kLong: {
-      uint32_t v = (static_cast<uint32_t>(d[0]) << 24) |
-                   (static_cast<uint32_t>(d[1]) << 16) |
-                   (static_cast<uint32_t>(d[2]) << 8) | d[3];
-      std::snprintf(text, 32, "%u", static_cast<unsigned>(v));
+    case ItemType::kLong:
+      std::snprintf(text, 32, "%u", static_cast<unsigned>(load_be32(d)));
       return;
-    }
     case ItemType::kUnknown:
       text[0] = '\0';
       return;
@@ -96,7 +69,7 @@ struct FieldSlot {
   FieldSlot {                                              \
     offsetof(HKBASEREC, member), sizeof(HKBASEREC::member) \
   }
-constexpr FieldSlot kFields[10] = {
+constexpr FieldSlot kFields[refdb::kPackedFields] = {
     ORLO_SLOT(brefcode), ORLO_SLOT(brefid),  ORLO_SLOT(bbldg),
     ORLO_SLOT(bparity),  ORLO_SLOT(bqual1),  ORLO_SLOT(blotext),
     ORLO_SLOT(bqual2),   ORLO_SLOT(bhitext), ORLO_SLOT(bfld9),
@@ -104,12 +77,9 @@ constexpr FieldSlot kFields[10] = {
 };
 #undef ORLO_SLOT
 
-// Field 9 keeps at most four characters, whatever its item holds.
-constexpr size_t kField9Kept = 4;
-
 bool field_present(const unsigned char *rec, int field) {
-  if (field < 8) return (rec[kPresence1] >> field) & 1;
-  return (rec[kPresence2] >> (field - 8)) & 1;
+  if (field < 8) return (rec[refdb::kPresence1At] >> field) & 1;
+  return (rec[refdb::kPresence2At] >> (field - 8)) & 1;
 }
 
 // Copies text into a field, cut to the field's width.
@@ -126,9 +96,9 @@ void store_text(HKBASEREC *out, const FieldSlot &slot, const char *text) {
 // an unknown type make the record malformed.
 bool unpack_fields(HKBASEREC *out, const unsigned char *rec, size_t limit) {
   const bool bounded = limit != SIZE_MAX;
-  size_t pos = kFirstItem;
+  size_t pos = refdb::kFirstItemAt;
   char work[32];
-  for (int field = 0; field < 10; ++field) {
+  for (int field = 0; field < static_cast<int>(refdb::kPackedFields); ++field) {
     const FieldSlot &slot = kFields[field];
     if (!field_present(rec, field)) {
       store_text(out, slot, "");
@@ -193,7 +163,7 @@ char side_of(const char *parity) {
 void finish_record(HKBASEREC *r) {
   parse_numbers(r);
   order_range(r);
-  r->bfld9[kField9Kept] = '\0';
+  r->bfld9[refdb::kField9Kept] = '\0';
   r->bside = side_of(r->bparity);
   r->bmscore = 0;
 }
@@ -207,11 +177,11 @@ bool unpack(HKBASEREC *out, const unsigned char *rec, size_t limit) {
 }  // namespace
 
 bool unpack_checked(HKBASEREC *out, const unsigned char *rec, size_t avail) {
-  if (out == nullptr || rec == nullptr || avail < kMinRecordLength)
+  if (out == nullptr || rec == nullptr || avail < refdb::kMinRecordBytes)
     return false;
   // The length byte is a signed byte: 128 and above are negative lengths.
   int length = static_cast<signed char>(rec[0]);
-  if (length < static_cast<int>(kMinRecordLength) ||
+  if (length < static_cast<int>(refdb::kMinRecordBytes) ||
       static_cast<size_t>(length) > avail)
     return false;
   if (!unpack(out, rec, static_cast<size_t>(length))) return false;

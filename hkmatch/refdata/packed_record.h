@@ -16,10 +16,6 @@ namespace orlo {
 // each unpacked record in access_counters().unpacks.
 bool unpack_checked(HKBASEREC *out, const unsigned char *rec, size_t avail);
 
-// The shortest packed record: its length byte, two presence bytes and an
-// unused byte, with no items.
-inline constexpr size_t kMinRecordLength = 4;
-
 }  // namespace orlo
 
 #endif  // ORLO_HKMATCH_REFDATA_PACKED_RECORD_H

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "orlo_codes.h"
+
 namespace orlo {
 
 namespace {
@@ -50,9 +52,9 @@ AccessCounters &access_counters() {
 
 char read_level2(const HKMCB *mcb, uint32_t off, uint32_t len, char *dst) {
   ++access_counters().level2_reads;
-  if (mcb == nullptr) return '4';
+  if (mcb == nullptr) return HKRC_LEVEL2_SEEK;
   const Source src{mcb->lvl2mem, mcb->lvl2fp, mcb->lvl2size};
-  return read_range(src, off, len, dst) ? '0' : '4';
+  return read_range(src, off, len, dst) ? HKRC_OK : HKRC_LEVEL2_SEEK;
 }
 
 bool basedata_range_inside(const HKMCB *mcb, uint32_t off, uint32_t len) {
@@ -61,9 +63,9 @@ bool basedata_range_inside(const HKMCB *mcb, uint32_t off, uint32_t len) {
 
 char read_basedata(const HKMCB *mcb, uint32_t off, uint32_t len, char *dst) {
   ++access_counters().basedata_reads;
-  if (mcb == nullptr) return '5';
+  if (mcb == nullptr) return HKRC_BASEDATA_SEEK;
   const Source src{mcb->basemem, mcb->basefp, mcb->basesize};
-  return read_range(src, off, len, dst) ? '0' : '5';
+  return read_range(src, off, len, dst) ? HKRC_OK : HKRC_BASEDATA_SEEK;
 }
 
 }  // namespace orlo

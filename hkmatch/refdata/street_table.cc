@@ -6,23 +6,17 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "common/byte_order.h"
 #include "hkmatch/refdata/reference_access.h"
+#include "hkmatch/refdata/reference_format.h"
 #include "hkmatch/refdata/search_alloc.h"
+#include "orlo_codes.h"
 
 namespace orlo {
 namespace {
 
-constexpr size_t kRecordHead = 10;  // block offset, length, record count
-constexpr size_t kMaxName = 30;
-
-uint32_t be32(const unsigned char *p) {
-  return (uint32_t{p[0]} << 24) | (uint32_t{p[1]} << 16) |
-         (uint32_t{p[2]} << 8) | uint32_t{p[3]};
-}
-
-uint16_t be16(const unsigned char *p) {
-  return static_cast<uint16_t>((p[0] << 8) | p[1]);
-}
+constexpr size_t kRecordHead = refdb::kLevel2FixedBytes;
+constexpr size_t kMaxName = refdb::kMaxNameBytes;
 
 // Copies the NUL-terminated name at `name`, of which `room` bytes lie in
 // the segment, into sname. Returns its length, or -1 when no NUL ends it
@@ -48,15 +42,36 @@ bool walk_segment(const unsigned char *seg, size_t len, STREETENT *tab,
     int n =
         copy_name(seg + pos + kRecordHead, len - pos - kRecordHead, e.sname);
     if (n < 0) return false;
-    e.boff = be32(seg + pos);
-    e.blen = be32(seg + pos + 4);
-    e.bcnt = be16(seg + pos + 8);
+    e.boff = load_be32(seg + pos + refdb::kLevel2OffsetAt);
+    e.blen = load_be32(seg + pos + refdb::kLevel2LengthAt);
+    e.bcnt = load_be16(seg + pos + refdb::kLevel2CountAt);
     e.bpack = nullptr;
     e.bunpk = nullptr;
     e.sscore = 0;
     pos += kRecordHead + static_cast<size_t>(n) + 1;
   }
   return true;
+}
+
+// Bisection over `count` sorted entries, with the matcher's own midpoint
+// rule; compare(i) orders entry i against the key as memcmp does. Returns
+// the index of an equal entry, or -1.
+template <typename Compare>
+int32_t bisect(int32_t count, Compare compare) {
+  int32_t low = 0;
+  int32_t high = count - 1;
+  while (low <= high) {
+    const int32_t mid = low + (high - low) / 2;
+    const int c = compare(mid);
+    if (c > 0) {
+      high = mid - 1;
+    } else if (c < 0) {
+      low = mid + 1;
+    } else {
+      return mid;
+    }
+  }
+  return -1;
 }
 
 bool in_order_of_initials(const STREETENT *tab, uint16_t count) {
@@ -76,40 +91,33 @@ void pad_name(const char *name, char *out) {
 
 int32_t find_region(const HKMCB *mcb, const char *key) {
   if (mcb->lvl1tab == nullptr) return -1;
-  int32_t low = 0;
-  int32_t high = mcb->lvl1cnt - 1;
-  while (low <= high) {
-    int32_t mid = low + (high - low) / 2;
-    int c = std::memcmp(mcb->lvl1tab[mid].l1key, key, 30);
-    if (c > 0) {
-      high = mid - 1;
-    } else if (c < 0) {
-      low = mid + 1;
-    } else {
-      return mid;
-    }
-  }
-  return -1;
+  return bisect(mcb->lvl1cnt, [&](int32_t i) {
+    return std::memcmp(mcb->lvl1tab[i].l1key, key, refdb::kKeyBytes);
+  });
 }
 
 char load_street_table(HKMCB *mcb, int32_t idx) {
   const L1ENTRY &region = mcb->lvl1tab[idx];
-  if (!reserve(&mcb->lvl2buf, &mcb->lvl2bufcap, region.l2len)) return '3';
+  if (!reserve(&mcb->lvl2buf, &mcb->lvl2bufcap, region.l2len)) {
+    return HKRC_STORAGE;
+  }
   if (region.l2len > 0 &&
-      read_level2(mcb, region.l2off, region.l2len, mcb->lvl2buf) != '0') {
-    return '4';
+      read_level2(mcb, region.l2off, region.l2len, mcb->lvl2buf) != HKRC_OK) {
+    return HKRC_LEVEL2_SEEK;
   }
   // Not zero-filled: the walk sets every field that is read, and an entry
   // counts only once lvl2cnt says so.
-  if (!reserve(&mcb->lvl2tab, &mcb->lvl2tabcap, region.l2cnt)) return '3';
+  if (!reserve(&mcb->lvl2tab, &mcb->lvl2tabcap, region.l2cnt)) {
+    return HKRC_STORAGE;
+  }
   if (!walk_segment(reinterpret_cast<const unsigned char *>(mcb->lvl2buf),
                     region.l2len, mcb->lvl2tab, region.l2cnt)) {
-    return '4';
+    return HKRC_LEVEL2_SEEK;
   }
   mcb->cacheused = 0;
   mcb->lvl2cnt = region.l2cnt;
   mcb->lvl2initials = in_order_of_initials(mcb->lvl2tab, mcb->lvl2cnt);
-  return '0';
+  return HKRC_OK;
 }
 
 int32_t first_with_initial(const HKMCB *mcb, unsigned char c) {
@@ -128,21 +136,10 @@ int32_t first_with_initial(const HKMCB *mcb, unsigned char c) {
 
 int32_t find_street(const HKMCB *mcb, const char *padded) {
   char name[kPaddedName];
-  int32_t low = 0;
-  int32_t high = static_cast<int32_t>(mcb->lvl2cnt) - 1;
-  while (low <= high) {
-    int32_t mid = low + (high - low) / 2;
-    pad_name(mcb->lvl2tab[mid].sname, name);
-    int c = std::memcmp(name, padded, kPaddedName);
-    if (c > 0) {
-      high = mid - 1;
-    } else if (c < 0) {
-      low = mid + 1;
-    } else {
-      return mid;
-    }
-  }
-  return -1;
+  return bisect(mcb->lvl2cnt, [&](int32_t i) {
+    pad_name(mcb->lvl2tab[i].sname, name);
+    return std::memcmp(name, padded, kPaddedName);
+  });
 }
 
 void drop_region(HKMCB *mcb) {

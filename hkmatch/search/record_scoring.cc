@@ -14,8 +14,10 @@
 
 #include "hkmatch/refdata/packed_record.h"
 #include "hkmatch/refdata/reference_access.h"
+#include "hkmatch/refdata/reference_format.h"
 #include "hkmatch/refdata/search_alloc.h"
 #include "hkmatch/search/diagnostics.h"
+#include "orlo_codes.h"
 #include "orlo_records.h"
 
 namespace orlo {
@@ -35,23 +37,23 @@ int32_t sum_of(const HKBASEREC &r) {
 // First pass over fresh records: an accepted record ('0') is never
 // downgraded, and a building rejection outranks a number rejection.
 void note_fresh(char &stat, uint32_t r) {
-  if (r == 4 && stat != '0') {
-    stat = '4';
-  } else if (r == 3 && stat != '4' && stat != '0') {
-    stat = '3';
+  if (r == 4 && stat != HKMS_ACCEPTED) {
+    stat = HKMS_REJECTED;
+  } else if (r == 3 && stat != HKMS_REJECTED && stat != HKMS_ACCEPTED) {
+    stat = HKMS_PREMISE;
   } else if (r == 0) {
-    stat = '0';
+    stat = HKMS_ACCEPTED;
   }
 }
 
 // Reuse pass: the same, except that an earlier '0' is not protected.
 void note_reused(char &stat, uint32_t r) {
   if (r == 4) {
-    stat = '4';
-  } else if (r == 3 && stat != '4') {
-    stat = '3';
+    stat = HKMS_REJECTED;
+  } else if (r == 3 && stat != HKMS_REJECTED) {
+    stat = HKMS_PREMISE;
   } else if (r == 0) {
-    stat = '0';
+    stat = HKMS_ACCEPTED;
   }
 }
 
@@ -87,21 +89,22 @@ void compare(Pass &p, HKBASEREC &rec, const STREETENT &e, bool reused) {
 char fetch_block(HKMCB *mcb, STREETENT &e, const unsigned char **block) {
   if (mcb->outmode == 0 && e.bpack != nullptr) {
     *block = reinterpret_cast<const unsigned char *>(e.bpack);
-    return '0';
+    return HKRC_OK;
   }
-  if (e.blen > 0 && read_basedata(mcb, e.boff, e.blen, mcb->blockbuf) != '0') {
-    return '5';
+  if (e.blen > 0 &&
+      read_basedata(mcb, e.boff, e.blen, mcb->blockbuf) != HKRC_OK) {
+    return HKRC_BASEDATA_SEEK;
   }
   *block = reinterpret_cast<const unsigned char *>(mcb->blockbuf);
   if (mcb->outmode != 0 ||
       int64_t{mcb->cacheused} + e.blen >= int64_t{mcb->cachemax}) {
-    return '0';
+    return HKRC_OK;
   }
   e.bpack = static_cast<char *>(search_alloc(e.blen, 1));
-  if (e.bpack == nullptr) return '3';
+  if (e.bpack == nullptr) return HKRC_STORAGE;
   std::memcpy(e.bpack, mcb->blockbuf, e.blen);
   mcb->cacheused += static_cast<int32_t>(e.blen);
-  return '0';
+  return HKRC_OK;
 }
 
 int64_t unpacked_bytes(const STREETENT &e) {
@@ -113,12 +116,12 @@ int64_t unpacked_bytes(const STREETENT &e) {
 char start_filling(HKMCB *mcb, STREETENT &e, bool *filling) {
   *filling = false;
   int64_t bytes = unpacked_bytes(e);
-  if (int64_t{mcb->cacheused} + bytes >= int64_t{mcb->cachemax}) return '0';
+  if (int64_t{mcb->cacheused} + bytes >= int64_t{mcb->cachemax}) return HKRC_OK;
   e.bunpk = static_cast<HKBASEREC *>(search_alloc(e.bcnt, sizeof(HKBASEREC)));
-  if (e.bunpk == nullptr) return '3';
+  if (e.bunpk == nullptr) return HKRC_STORAGE;
   mcb->cacheused += static_cast<int32_t>(bytes);
   *filling = true;
-  return '0';
+  return HKRC_OK;
 }
 
 // A block that could not be walked leaves no half-filled cache behind.
@@ -148,7 +151,7 @@ char compare_block(Pass &p, STREETENT &e, int32_t i, const unsigned char *block,
     if (cached) {
       rec = e.bunpk[j];
     } else {
-      if (!unpack_next(block, e.blen, &pos, &rec)) return '5';
+      if (!unpack_next(block, e.blen, &pos, &rec)) return HKRC_BASEDATA_SEEK;
       rec.bpen = 0;  // the unpacker leaves the search's fields alone
       if (filling) e.bunpk[j] = rec;
     }
@@ -157,7 +160,7 @@ char compare_block(Pass &p, STREETENT &e, int32_t i, const unsigned char *block,
     compare(p, rec, e, /*reused=*/false);
     ++p.k;
   }
-  return '0';
+  return HKRC_OK;
 }
 
 char extract_block(const HKMCB *mcb, const STREETENT &e,
@@ -165,10 +168,10 @@ char extract_block(const HKMCB *mcb, const STREETENT &e,
   HKBASEREC rec;
   size_t pos = 0;
   for (uint16_t j = 0; j < e.bcnt; ++j) {
-    if (!unpack_next(block, e.blen, &pos, &rec)) return '5';
+    if (!unpack_next(block, e.blen, &pos, &rec)) return HKRC_BASEDATA_SEEK;
     if (mcb->outfp != nullptr) write_base_extract(mcb->outfp, rec, e);
   }
-  return '0';
+  return HKRC_OK;
 }
 
 char score_street(Pass &p, STREETENT &e, int32_t i) {
@@ -176,12 +179,13 @@ char score_street(Pass &p, STREETENT &e, int32_t i) {
   // Cached records make the block itself unnecessary.
   const bool cached = mcb->outmode == 0 && e.bunpk != nullptr;
   const unsigned char *block = nullptr;
-  char code = cached ? '0' : fetch_block(mcb, e, &block);
-  if (code != '0') return code;
+  char code = cached ? HKRC_OK : fetch_block(mcb, e, &block);
+  if (code != HKRC_OK) return code;
   if (mcb->outmode == 2) return extract_block(mcb, e, block);
-  if (mcb->outmode != 0) return '0';
+  if (mcb->outmode != 0) return HKRC_OK;
   bool filling = false;
-  if (!cached && (code = start_filling(mcb, e, &filling)) != '0') return code;
+  if (!cached && (code = start_filling(mcb, e, &filling)) != HKRC_OK)
+    return code;
   code = compare_block(p, e, i, block, filling);
   if (code != '0' && filling) discard_records(mcb, e);
   return code;
@@ -190,8 +194,8 @@ char score_street(Pass &p, STREETENT &e, int32_t i) {
 // The most records of the candidates that a fresh pass can write. A block
 // outside BASEDATA fails its read before any record is written, a walk fails
 // at the first record that does not fit, and records take at least
-// kMinRecordLength bytes, so an uncached street yields at most
-// blen / kMinRecordLength records before its walk succeeds or fails. A
+// refdb::kMinRecordBytes bytes, so an uncached street yields at most
+// blen / refdb::kMinRecordBytes records before its walk succeeds or fails. A
 // corrupt count beyond that must not make the pass reserve (and zero) room
 // it can never fill. On sound data this is the sum of the counts.
 int64_t writable_records(const HKMCB *mcb, int32_t count) {
@@ -203,7 +207,8 @@ int64_t writable_records(const HKMCB *mcb, int32_t count) {
       continue;
     }
     bool inside = basedata_range_inside(mcb, e.boff, e.blen);
-    int64_t fit = inside ? e.blen / kMinRecordLength + 1 : 0;
+    int64_t fit =
+        inside ? e.blen / static_cast<int64_t>(refdb::kMinRecordBytes) + 1 : 0;
     n += std::min<int64_t>(e.bcnt, fit);
   }
   return n;
@@ -213,25 +218,25 @@ char score_fresh(Pass &p, uint32_t maxlen) {
   HKMCB *mcb = p.mcb;
   if (mcb->outmode == 0 && !reserve(&mcb->baserecs, &mcb->reccap,
                                     writable_records(mcb, p.in.count))) {
-    return '3';
+    return HKRC_STORAGE;
   }
   mcb->basecur = mcb->baserecs;
   // A block longer than BASEDATA fails its bounds check before anything is
   // read, so the buffer never needs to be larger than the file: a corrupt
   // length must not make the pass allocate gigabytes first.
   int64_t buflen = std::clamp<int64_t>(mcb->basesize, 0, maxlen);
-  if (!reserve(&mcb->blockbuf, &mcb->blockcap, buflen)) return '3';
+  if (!reserve(&mcb->blockbuf, &mcb->blockcap, buflen)) return HKRC_STORAGE;
   for (int32_t i = 0; i < p.in.count; ++i) {
     char code = score_street(p, *mcb->cands[i], i);
-    if (code != '0') return code;
+    if (code != HKRC_OK) return code;
   }
-  return '0';
+  return HKRC_OK;
 }
 
 // Compares again the records that the last search left in baserecs.
 char score_again(Pass &p, int64_t total) {
   HKMCB *mcb = p.mcb;
-  if (mcb->baserecs == nullptr || mcb->reccap < total) return '3';
+  if (mcb->baserecs == nullptr || mcb->reccap < total) return HKRC_STORAGE;
   for (int32_t i = 0; i < p.in.count; ++i) {
     const STREETENT &e = *mcb->cands[i];
     for (uint16_t j = 0; j < e.bcnt; ++j) {
@@ -240,7 +245,7 @@ char score_again(Pass &p, int64_t total) {
       compare(p, rec, e, /*reused=*/true);
     }
   }
-  return '0';
+  return HKRC_OK;
 }
 
 // The reference code and identifier, each blank-padded, side by side.
@@ -300,7 +305,7 @@ PassResult score_candidates(HKMCB *mcb, const PassInput &in) {
     maxlen = std::max(maxlen, mcb->cands[i]->blen);
   }
   char code = in.reuse ? score_again(p, total) : score_fresh(p, maxlen);
-  if (code != '0') return {PassEnd::kFailed, nullptr, code};
+  if (code != HKRC_OK) return {PassEnd::kFailed, nullptr, code};
   if (mcb->outmode == 1) return {PassEnd::kExtractDone};
   // The base record extract compares nothing, so there is nothing to
   // choose from.
@@ -309,11 +314,11 @@ PassResult score_candidates(HKMCB *mcb, const PassInput &in) {
   int64_t best = choose_record(mcb->baserecs, total, &tie);
   char &stat = in.outrec[HKOUT_MATCHSTAT_OFF];
   if (best < 0) {
-    if (stat == '0') stat = '4';
+    if (stat == HKMS_ACCEPTED) stat = HKMS_REJECTED;
     return {PassEnd::kNoChoice};
   }
-  in.outrec[HKOUT_RETCODE_OFF] = '1';
-  if (tie) stat = '5';
+  in.outrec[HKOUT_RETCODE_OFF] = HKRC_REFERENCE;
+  if (tie) stat = HKMS_TIE;
   return {PassEnd::kChosen, &mcb->baserecs[best]};
 }
 

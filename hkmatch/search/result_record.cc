@@ -11,6 +11,7 @@
 
 #include "common/fixed_field.h"
 #include "hkmatch/input/record_fields.h"
+#include "orlo_codes.h"
 #include "orlo_fields.h"
 #include "orlo_matcher.h"
 
@@ -206,11 +207,11 @@ void finish_lines(char *out) {
 extern "C" void hk_fret(HKWORKREC * /*work*/, HKBASEREC *chosen,
                         const char *inrec, HKMCB *mcb, char *outrec) {
   using namespace orlo;
-  const bool chose = outrec[out::retcode.off] == '1';
+  const bool chose = outrec[out::retcode.off] == HKRC_REFERENCE;
   char &matchstat = outrec[out::matchstat.off];
   // Several records tied with different codes: none is written.
-  const bool tied = matchstat == '5';
-  if (chose && !tied) matchstat = '0';
+  const bool tied = matchstat == HKMS_TIE;
+  if (chose && !tied) matchstat = HKMS_ACCEPTED;
   if (chose && !tied && chosen != nullptr) {
     write_with_reference(*chosen, inrec, mcb, outrec);
   } else {

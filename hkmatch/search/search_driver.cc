@@ -10,6 +10,7 @@
 #include "hkmatch/search/diagnostics.h"
 #include "hkmatch/search/record_scoring.h"
 #include "hkmatch/search/street_scan.h"
+#include "orlo_codes.h"
 #include "orlo_matcher.h"
 #include "orlo_records.h"
 
@@ -57,14 +58,18 @@ int32_t no_region(Search &s) {
   forget_last(s.mcb);
   s.mcb->laststat = 2;
   s.mcb->lastcnt = 0;
-  matchstat(s) = '1';
-  s.outrec[HKOUT_RETCODE_OFF] = '0';
+  matchstat(s) = HKMS_NO_KEY;
+  s.outrec[HKOUT_RETCODE_OFF] = HKRC_OK;
   hk_fret(s.work, nullptr, s.inrec, s.mcb, s.outrec);
   return 1;
 }
 
-// Makes the street table of the key current. Returns '0', '1' when the key
-// is not in the index, or an error code.
+// select_region's answer for a key that is not in the index (no return code
+// of the matcher is a NUL).
+constexpr char kKeyNotFound = '\0';
+
+// Makes the street table of the key current. Returns '0', kKeyNotFound, or
+// an error code.
 char select_region(Search &s, const char *key) {
   HKMCB *mcb = s.mcb;
   const char *street = s.work->wk_street;
@@ -75,18 +80,18 @@ char select_region(Search &s, const char *key) {
     } else {
       std::strncpy(mcb->lastname, street, sizeof mcb->lastname);
     }
-    return '0';
+    return HKRC_OK;
   }
   forget_last(mcb);
   drop_region(mcb);
   int32_t idx = find_region(mcb, key);
-  if (idx < 0) return '1';
+  if (idx < 0) return kKeyNotFound;
   std::memcpy(mcb->lastkey, key, kKeyLen);
   mcb->lastidx = idx;
   std::strncpy(mcb->lastname, street, sizeof mcb->lastname);
   char code = load_street_table(mcb, idx);
   // Without its table the key must not look loaded to the next search.
-  if (code != '0') forget_last(mcb);
+  if (code != HKRC_OK) forget_last(mcb);
   return code;
 }
 
@@ -106,13 +111,13 @@ PassStep returning(int32_t ret) {
 // One pass: its candidates, then their records.
 PassStep run_pass(Search &s, int32_t pass) {
   HKMCB *mcb = s.mcb;
-  matchstat(s) = ' ';
+  matchstat(s) = HKMS_NONE;
   if (s.reuse) {
     s.count = mcb->lastcnt;
     if (s.count > 0) s.exact = true;
   } else {
     char code = reset_candidates(mcb);
-    if (code != '0') return returning(fail(s, code));
+    if (code != HKRC_OK) return returning(fail(s, code));
     s.count = 0;
     if (mcb->listmode == 2) {
       list_street_names(stderr, *mcb);
@@ -121,11 +126,11 @@ PassStep run_pass(Search &s, int32_t pass) {
     ScanRequest req{s.work->wk_street, s.work->wk_region, pass, s.level,
                     in_mode(s)};
     code = collect_candidates(mcb, req, &s.count, &s.exact);
-    if (code != '0') return returning(fail(s, code));
+    if (code != HKRC_OK) return returning(fail(s, code));
   }
   if (s.count == 0) {
-    s.outrec[HKOUT_RETCODE_OFF] = '0';
-    matchstat(s) = '2';
+    s.outrec[HKOUT_RETCODE_OFF] = HKRC_OK;
+    matchstat(s) = HKMS_NO_STREET;
     return {Step::kNextPass};
   }
   PassInput in{s.work,  s.outrec, s.inrec, s.reclist,
@@ -170,8 +175,8 @@ int32_t run_search(Search &s) {
   std::memset(key, ' ', sizeof key);
   std::memcpy(key, region, strnlen(region, kKeyLen));
   char code = select_region(s, key);
-  if (code == '1') return no_region(s);
-  if (code != '0') return fail(s, code);
+  if (code == kKeyNotFound) return no_region(s);
+  if (code != HKRC_OK) return fail(s, code);
   if (mcb->listmode == 3 && s.namelist != nullptr) {
     fill_name_list(*mcb, s.work->wk_street, s.namelist);
   }

@@ -12,6 +12,7 @@
 #include "hkmatch/refdata/search_alloc.h"
 #include "hkmatch/refdata/street_table.h"
 #include "hkmatch/search/diagnostics.h"
+#include "orlo_codes.h"
 #include "orlo_compare.h"
 
 namespace orlo {
@@ -51,7 +52,7 @@ char append_candidate(Scan &s, STREETENT *e, int score) {
     int64_t cap = mcb->candcap + kCandidateStep;
     auto *grown = static_cast<STREETENT **>(
         search_alloc(static_cast<size_t>(cap), sizeof(STREETENT *)));
-    if (grown == nullptr) return '3';
+    if (grown == nullptr) return HKRC_STORAGE;
     std::memcpy(grown, mcb->cands, s.count * sizeof(STREETENT *));
     std::free(mcb->cands);
     mcb->cands = grown;
@@ -60,7 +61,7 @@ char append_candidate(Scan &s, STREETENT *e, int score) {
   e->sscore = static_cast<uint8_t>(score);
   mcb->cands[s.count++] = e;
   if (score == kExactScore) s.exact = true;
-  return '0';
+  return HKRC_OK;
 }
 
 bool eq(const char *a, const char *b, int pos) {
@@ -132,7 +133,7 @@ int32_t start_entry(const Scan &s) {
 char run_scan(Scan &s) {
   HKMCB *mcb = s.mcb;
   int32_t start = start_entry(s);
-  if (start < 0) return '0';
+  if (start < 0) return HKRC_OK;
   char name[kPaddedName];
   for (int32_t i = start; i < mcb->lvl2cnt; ++i) {
     STREETENT &e = mcb->lvl2tab[i];
@@ -153,9 +154,9 @@ char run_scan(Scan &s) {
     }
     if (v == Verdict::kEnd) break;
     if (v == Verdict::kSkip || score < kCandidateScore) continue;
-    if (append_candidate(s, &e, score) != '0') return '3';
+    if (append_candidate(s, &e, score) != HKRC_OK) return HKRC_STORAGE;
   }
-  return '0';
+  return HKRC_OK;
 }
 
 }  // namespace
@@ -168,7 +169,8 @@ bool begins_with_street_type(const char *padded) {
 }
 
 char reset_candidates(HKMCB *mcb) {
-  return reserve(&mcb->cands, &mcb->candcap, kCandidateStep) ? '0' : '3';
+  return reserve(&mcb->cands, &mcb->candcap, kCandidateStep) ? HKRC_OK
+                                                             : HKRC_STORAGE;
 }
 
 char collect_candidates(HKMCB *mcb, const ScanRequest &req, int32_t *count,

@@ -26,13 +26,13 @@ struct Call {
 
   CallArgs args(bool files = true) {
     CallArgs a;
-    a.inRec = in.data();
-    a.outRec = out.data();
+    a.in_rec = in.data();
+    a.out_rec = out.data();
     a.options = options.c_str();
-    a.skipBaseDate = "20261101";
-    a.level1Path = files ? l1.c_str() : "/nonexistent/LEVEL1";
-    a.level2Path = files ? l2.c_str() : "/nonexistent/LEVEL2";
-    a.basedataPath = files ? bd.c_str() : "/nonexistent/BASEDATA";
+    a.skip_base_date = "20261101";
+    a.level1_path = files ? l1.c_str() : "/nonexistent/LEVEL1";
+    a.level2_path = files ? l2.c_str() : "/nonexistent/LEVEL2";
+    a.basedata_path = files ? bd.c_str() : "/nonexistent/BASEDATA";
     return a;
   }
   void address(const char *premno, const char *street, const char *region) {

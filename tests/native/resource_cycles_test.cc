@@ -27,14 +27,14 @@ void cycle(int i, const std::string &db) {
   in.replace(HKIN_REGION_OFF, 3, "KLN");
   std::string l1 = db + "/LEVEL1", l2 = db + "/LEVEL2", bd = db + "/BASEDATA";
   orlo::native::CallArgs a;
-  a.inRec = in.data();
-  a.outRec = out.data();
+  a.in_rec = in.data();
+  a.out_rec = out.data();
   a.options = i % 2 ? "LM" : "L";
-  a.skipBaseDate = "20261101";
+  a.skip_base_date = "20261101";
   bool fail = i % 10 == 9;  // every tenth open fails on a missing LEVEL2
-  a.level1Path = l1.c_str();
-  a.level2Path = fail ? "/nonexistent/LEVEL2" : l2.c_str();
-  a.basedataPath = bd.c_str();
+  a.level1_path = l1.c_str();
+  a.level2_path = fail ? "/nonexistent/LEVEL2" : l2.c_str();
+  a.basedata_path = bd.c_str();
   int h = orlo::native::open_geocoder(a);
   ASSERT_GE(h, 0);
   orlo::native::process_geocoder(h, a, "P");

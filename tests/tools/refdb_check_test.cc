@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "common/byte_order.h"
 #include "lib/csv_reader.h"
 #include "lib/refdb_dump.h"
 #include "support/file_util.h"
@@ -124,7 +125,7 @@ TEST(RefdbCheck, FlippedBytesAreReportedWithoutOverreading) {
   for (size_t pos = 0; pos < 3 * 40 && l2[pos + 10] != 0;) {
     for (size_t i = 0; i < 10; ++i) must[1][pos + i] = true;
     auto *p = reinterpret_cast<const unsigned char *>(l2.data()) + pos;
-    size_t off = refdb::get_be32(p), len = refdb::get_be32(p + 4);
+    size_t off = orlo::load_be32(p), len = orlo::load_be32(p + 4);
     for (size_t r = off; r < off + len; r += good.basedata[r])
       must[2][r] = true;
     pos = l2.find('\0', pos + 10) + 1;

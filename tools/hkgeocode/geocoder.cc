@@ -1,6 +1,7 @@
 #include "hkgeocode/geocoder.h"
 
 #include "hkmatch/calls/statement_rules.h"
+#include "orlo_codes.h"
 #include "orlo_records.h"
 
 namespace orlo::tools::hkgeocode {
@@ -78,7 +79,7 @@ char Geocoder::close_call(const char *options,
     path = statement->path.c_str();
   }
   std::string out(HKOUTREC_SIZE, ' ');
-  out[0] = '0';
+  out[0] = HKRC_OK;
   hk_mtci("C", &handle_, nullptr, out.data(), options, nullptr, lines[0],
           lines[1], lines[2], lines[3], lines[4], lines[5], path, nullptr,
           nullptr, nullptr, nullptr, nullptr);

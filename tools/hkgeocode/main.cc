@@ -17,6 +17,7 @@
 #include "hkgeocode/options.h"
 #include "hkgeocode/output_format.h"
 #include "hkgeocode/run_summary.h"
+#include "orlo_codes.h"
 #include "orlo_matcher.h"
 
 namespace orlo::tools::hkgeocode {
@@ -80,7 +81,7 @@ int open_instances(const Options &o,
   for (int i = 0; i < o.threads; ++i) {
     auto g = std::make_unique<Geocoder>();
     char code = g->open(dir, o.open_options);
-    if (code != '0') {
+    if (code != HKRC_OK) {
       std::fprintf(stderr, "hkgeocode: cannot open the reference database %s\n",
                    dir.c_str());
       hk_doem(g->open_record());
@@ -163,7 +164,7 @@ void close_instances(const Options &o,
   }
   char code = first.close_with_statement(
       o.open_options, StatementRequest{o.report_path, o.report_lines});
-  if (code != '0') {
+  if (code != HKRC_OK) {
     std::fputs("hkgeocode: the accuracy statement was not written\n", stderr);
     char rec[HKOUTREC_SIZE] = {code};
     hk_doem(rec);

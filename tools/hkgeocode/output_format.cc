@@ -6,6 +6,7 @@
 #include "common/fixed_field.h"
 #include "hkmatch/input/record_fields.h"
 #include "lib/csv_writer.h"
+#include "orlo_codes.h"
 #include "orlo_records.h"
 
 namespace orlo::tools::hkgeocode {
@@ -16,29 +17,13 @@ struct Meaning {
   std::string_view text;
 };
 
+#define ORLO_RETURN_MEANING(name, code, message, meaning) {code, meaning},
+#define ORLO_STATUS_MEANING(name, code, meaning) {code, meaning},
 constexpr Meaning kReturnCodes[] = {
-    {'0', "processed, no reference address written"},
-    {'1', "reference address written"},
-    {'2', "invalid call type"},
-    {'3', "insufficient storage"},
-    {'4', "LEVEL2 seek error"},
-    {'5', "BASEDATA seek error"},
-    {'6', "BASEDATA or extract file cannot be opened"},
-    {'7', "LEVEL1 cannot be opened"},
-    {'8', "LEVEL2 cannot be opened"},
-    {'A', "instance not open"},
-    {kBadRowCode, "bad input row"},
-};
-
-constexpr Meaning kMatchStatuses[] = {
-    {' ', "no candidate judged"},
-    {'0', "candidate accepted"},
-    {'1', "no region key"},
-    {'2', "no candidate street"},
-    {'3', "rejected on premise or unit number"},
-    {'4', "rejected on building name or below threshold"},
-    {'5', "tie between different references"},
-};
+    ORLO_RETURN_CODES(ORLO_RETURN_MEANING){kBadRowCode, "bad input row"}};
+constexpr Meaning kMatchStatuses[] = {ORLO_MATCH_STATUSES(ORLO_STATUS_MEANING)};
+#undef ORLO_RETURN_MEANING
+#undef ORLO_STATUS_MEANING
 
 template <size_t N>
 std::string_view meaning_of(const Meaning (&table)[N], char code,

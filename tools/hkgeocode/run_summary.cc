@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "hkgeocode/output_format.h"
+#include "orlo_codes.h"
 #include "orlo_records.h"
 
 namespace orlo::tools::hkgeocode {
@@ -82,7 +83,8 @@ void print_summary(std::FILE *to, const Totals &t, double seconds) {
                "(match status '0'), %llu bad\n",
                static_cast<unsigned long long>(t.read),
                static_cast<unsigned long long>(t.processed),
-               static_cast<unsigned long long>(t.by_status['0']),
+               static_cast<unsigned long long>(
+                   t.by_status[static_cast<unsigned char>(HKMS_ACCEPTED)]),
                static_cast<unsigned long long>(t.bad));
   print_counts(to, "match status", t.by_status, match_status_meaning);
   print_counts(to, "return code", t.by_code, return_code_meaning);

@@ -4,15 +4,11 @@
 #include <cstdio>
 #include <utility>
 
+#include "common/byte_order.h"
+
 namespace orlo::tools::refdb {
 
 namespace {
-
-constexpr unsigned char kTextType = 0xE0;
-constexpr unsigned char kByteNumber = 0xC1;   // type 110, one data byte
-constexpr unsigned char kShortNumber = 0x82;  // type 100, two data bytes
-constexpr unsigned char kLongNumber = 0x64;   // type 011, four data bytes
-constexpr unsigned char kLengthMask = 0x1F;
 
 // True when text is "0" or a decimal number without leading zeros that fits
 // 32 bits: only such texts decode back to themselves from binary.
@@ -48,29 +44,27 @@ size_t fail(UnpackFault *fault, size_t offset, std::string message) {
 bool decode_item(const unsigned char *item, std::string *text,
                  std::string *why) {
   unsigned char h = item[0];
-  size_t n = h & kLengthMask;
+  size_t n = h & kItemLengthMask;
   const unsigned char *d = item + 1;
-  size_t want;
-  uint32_t value;
-  if ((h & 0xE0) == 0xE0) {
+  const ItemType type = item_type(h);
+  if (type == ItemType::kText) {
     text->assign(reinterpret_cast<const char *>(d), n);
     if (text->find('\0') != std::string::npos) {
       *why = "text item holds a NUL byte";
       return false;
     }
     return true;
-  } else if ((h & 0xC0) == 0xC0) {
-    want = 1, value = d[0];
-  } else if ((h & 0x80) != 0) {
-    want = 2, value = get_be16(d);
-  } else if ((h & 0x60) == 0x60) {
-    want = 4, value = get_be32(d);
-  } else {
+  }
+  if (type == ItemType::kUnknown) {
     char buf[40];
     std::snprintf(buf, sizeof buf, "unknown item type 0x%02X", h);
     *why = buf;
     return false;
   }
+  const size_t want = number_width(type);
+  const uint32_t value = want == 1   ? d[0]
+                         : want == 2 ? load_be16(d)
+                                     : load_be32(d);
   if (n != want) {
     *why = "numeric item of " + std::to_string(n) + " data bytes, expected " +
            std::to_string(want);
@@ -85,17 +79,17 @@ bool decode_item(const unsigned char *item, std::string *text,
 void append_item(std::string *out, std::string_view text) {
   uint32_t v;
   if (!canonical_number(text, &v)) {
-    out->push_back(static_cast<char>(kTextType | text.size()));
+    out->push_back(static_cast<char>(kTextItem | text.size()));
     out->append(text);
   } else if (v <= 0xFF) {
-    out->push_back(static_cast<char>(kByteNumber));
+    out->push_back(static_cast<char>(kSmallItem));
     out->push_back(static_cast<char>(v));
   } else if (v <= 0xFFFF) {
-    out->push_back(static_cast<char>(kShortNumber));
-    put_be16(out, v);
+    out->push_back(static_cast<char>(kNumberItem));
+    append_be16(out, v);
   } else {
-    out->push_back(static_cast<char>(kLongNumber));
-    put_be32(out, v);
+    out->push_back(static_cast<char>(kLongItem));
+    append_be32(out, v);
   }
 }
 
@@ -133,7 +127,7 @@ size_t unpack_record(const unsigned char *rec, size_t avail,
                     std::to_string(avail) + " left)");
   if ((rec[2] & ~3u) != 0) return fail(fault, 2, "unused presence bits set");
   if (rec[3] != 0) return fail(fault, 3, "reserved byte is not zero");
-  size_t pos = kRecordHeaderBytes;
+  size_t pos = kFirstItemAt;
   for (size_t f = 0; f < kPackedFields; ++f) {
     std::string &text = (*fields)[f];
     text.clear();
@@ -142,7 +136,7 @@ size_t unpack_record(const unsigned char *rec, size_t avail,
       return fail(
           fault, pos,
           "item of " + field_name(f) + " starts past the end of the record");
-    size_t n = rec[pos] & kLengthMask;
+    size_t n = rec[pos] & kItemLengthMask;
     if (pos + 1 + n > len)
       return fail(
           fault, pos,

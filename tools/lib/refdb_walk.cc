@@ -6,14 +6,12 @@
 #include <cstring>
 #include <memory>
 
+#include "common/byte_order.h"
 #include "lib/refdb_format.h"
 
 namespace orlo::tools {
 
 namespace {
-
-using refdb::get_be16;
-using refdb::get_be32;
 
 const unsigned char *bytes(const std::string &s) {
   return reinterpret_cast<const unsigned char *>(s.data());
@@ -88,7 +86,7 @@ void Walker::walk_level1() {
       return;
     }
     const unsigned char *rec = bytes(l1) + pos;
-    if (get_be32(rec) == 0) return;  // end record
+    if (load_be32(rec) == 0) return;  // end record
     std::string_view key(l1.data() + pos, refdb::kKeyBytes);
     region_ = trim_key(key);
     if (region_.empty()) visitor_->fault("LEVEL1", pos, "key is blank");
@@ -98,8 +96,9 @@ void Walker::walk_level1() {
           "key " + quoted(region_) + " is not above the key before it");
     prev_key = key;
     ++totals_->regions;
-    walk_segment(pos, get_be32(rec + 30), get_be32(rec + 34),
-                 get_be16(rec + 38));
+    walk_segment(pos, load_be32(rec + refdb::kLevel1OffsetAt),
+                 load_be32(rec + refdb::kLevel1LengthAt),
+                 load_be16(rec + refdb::kLevel1CountAt));
   }
 }
 
@@ -107,7 +106,7 @@ void Walker::walk_segment(uint64_t l1_offset, uint32_t off, uint32_t len,
                           uint16_t count) {
   uint64_t end = uint64_t{off} + len;
   if (end > img_.level2.size()) {
-    visitor_->fault("LEVEL1", l1_offset + 30,
+    visitor_->fault("LEVEL1", l1_offset + refdb::kLevel1OffsetAt,
                     "segment of region " + quoted(region_) + " at " +
                         std::to_string(off) + " length " + std::to_string(len) +
                         " runs past the end of LEVEL2");
@@ -134,7 +133,7 @@ void Walker::walk_segment(uint64_t l1_offset, uint32_t off, uint32_t len,
     pos += refdb::kLevel2FixedBytes + street.name.size() + 1;
   }
   if (found != count)
-    visitor_->fault("LEVEL1", l1_offset + 38,
+    visitor_->fault("LEVEL1", l1_offset + refdb::kLevel1CountAt,
                     "region " + quoted(region_) + " counts " +
                         std::to_string(count) + " streets, its segment holds " +
                         std::to_string(found));
@@ -160,9 +159,9 @@ bool Walker::read_street(uint64_t pos, uint64_t end, StreetRef *street) {
   }
   const unsigned char *rec = bytes(l2) + pos;
   street->level2_offset = pos;
-  street->block_offset = get_be32(rec);
-  street->block_length = get_be32(rec + 4);
-  street->count = get_be16(rec + 8);
+  street->block_offset = load_be32(rec + refdb::kLevel2OffsetAt);
+  street->block_length = load_be32(rec + refdb::kLevel2LengthAt);
+  street->count = load_be16(rec + refdb::kLevel2CountAt);
   street->name =
       std::string_view(l2.data() + name_at,
                        static_cast<const char *>(nul) - l2.data() - name_at);

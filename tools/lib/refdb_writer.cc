@@ -2,6 +2,7 @@
 #include <array>
 #include <ctime>
 
+#include "common/byte_order.h"
 #include "lib/refdb_compiler.h"
 #include "lib/staged_file.h"
 
@@ -54,9 +55,9 @@ void write_level2(const RefdbContent &content,
     for (uint32_t s : r.streets) {
       const StreetData &street = content.streets[s];
       rec.clear();
-      refdb::put_be32(&rec, block_offsets[s]);
-      refdb::put_be32(&rec, block_lengths[s]);
-      refdb::put_be16(&rec, street.records);
+      append_be32(&rec, block_offsets[s]);
+      append_be32(&rec, block_lengths[s]);
+      append_be16(&rec, street.records);
       rec += street.name;
       rec.push_back('\0');
       out->write(rec);
@@ -73,9 +74,9 @@ void write_level1(const RefdbContent &content,
   for (size_t i = 0; i < content.regions.size(); ++i) {
     const RegionData &r = content.regions[i];
     rec.assign(r.key);
-    refdb::put_be32(&rec, segments[i][0]);
-    refdb::put_be32(&rec, segments[i][1]);
-    refdb::put_be16(&rec, static_cast<uint32_t>(r.streets.size()));
+    append_be32(&rec, segments[i][0]);
+    append_be32(&rec, segments[i][1]);
+    append_be16(&rec, static_cast<uint32_t>(r.streets.size()));
     out->write(rec);
   }
   out->write_zeros(refdb::kLevel1RecordBytes);

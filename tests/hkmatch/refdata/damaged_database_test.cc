@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "common/byte_order.h"
 #include "lib/refdb_walk.h"
 #include "orlo_matcher.h"
 #include "support/test_db.h"
@@ -43,14 +44,10 @@ constexpr bool kSampled = false;
 #endif
 
 uint32_t be32(const std::string &s, size_t at) {
-  auto b = [&](size_t i) {
-    return static_cast<uint32_t>(static_cast<unsigned char>(s[at + i]));
-  };
-  return b(0) << 24 | b(1) << 16 | b(2) << 8 | b(3);
+  return orlo::load_be32(reinterpret_cast<const unsigned char *>(&s[at]));
 }
 uint16_t be16(const std::string &s, size_t at) {
-  return static_cast<uint16_t>(static_cast<unsigned char>(s[at]) << 8 |
-                               static_cast<unsigned char>(s[at + 1]));
+  return orlo::load_be16(reinterpret_cast<const unsigned char *>(&s[at]));
 }
 
 // A structural byte or boundary of the database, with a street that a search

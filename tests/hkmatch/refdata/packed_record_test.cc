@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "common/byte_order.h"
 #include "hkmatch/refdata/reference_access.h"
 #include "lib/refdb_format.h"
 #include "support/test_db.h"
@@ -368,10 +369,10 @@ TEST(UnpackBuiltDatabase, GivesBackTheRowsInBothModes) {
         '0');
     auto *street = reinterpret_cast<const unsigned char *>(segment.data());
     EXPECT_STREQ(reinterpret_cast<const char *>(street + 10), "NATHAN ROAD");
-    uint32_t blen = refdb::get_be32(street + 4);
-    ASSERT_EQ(refdb::get_be16(street + 8), 3);
+    uint32_t blen = orlo::load_be32(street + 4);
+    ASSERT_EQ(orlo::load_be16(street + 8), 3);
     std::vector<unsigned char> block(blen);
-    ASSERT_EQ(orlo::read_basedata(mcb, refdb::get_be32(street), blen,
+    ASSERT_EQ(orlo::read_basedata(mcb, orlo::load_be32(street), blen,
                                   reinterpret_cast<char *>(block.data())),
               '0');
     hk_mclo(&mcb, nullptr);

@@ -23,10 +23,17 @@ public final class GeocodeResult {
 
   /** '1' when a reference address was written, '0' when not, other codes on errors. */
   public char returnCode() { return (char) record[0]; }
+  /** What the return code means ({@link ReturnCodes#returnMeaning}). */
+  public String returnMeaning() { return ReturnCodes.returnMeaning(returnCode()); }
   /** '0' accepted; '1' no region key; '2' no street; '3', '4' rejected; '5' ambiguous. */
   public char matchStatus() { return (char) record[267]; }
+  /** What the match status means ({@link ReturnCodes#matchMeaning}). */
+  public String matchMeaning() { return ReturnCodes.matchMeaning(matchStatus()); }
   /** True when a reference address was chosen and written. */
-  public boolean isMatched() { return record[0] == '1' && record[267] == '0'; }
+  public boolean isMatched() {
+    return returnCode() == ReturnCodes.HKRC_REFERENCE
+        && matchStatus() == ReturnCodes.HKMS_ACCEPTED;
+  }
   public String premiseNumber() { return text(1, 8); }
   public String street() { return text(9, 30); }
   public String building() { return text(39, 30); }

@@ -56,7 +56,7 @@ public final class Geocoder implements AutoCloseable {
       throw new GeocoderException((char) out[0], "no free geocoder slot");
     }
     Geocoder g = new Geocoder(handle, db, options, reportPath);
-    if (out[0] != '0') {
+    if (out[0] != ReturnCodes.HKRC_OK) {
       g.close();
       throw new GeocoderException((char) out[0], "cannot open " + db);
     }

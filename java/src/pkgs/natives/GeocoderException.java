@@ -6,7 +6,7 @@ public final class GeocoderException extends RuntimeException {
   private final char code;
 
   public GeocoderException(char code, String message) {
-    super(message + " (return code " + code + ")");
+    super(message + " (return code " + code + ": " + ReturnCodes.returnMeaning(code) + ")");
     this.code = code;
   }
 

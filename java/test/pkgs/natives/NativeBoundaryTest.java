@@ -136,6 +136,12 @@ public final class NativeBoundaryTest {
       matched += got.get(i)[267] == '0' ? 1 : 0;
     }
     check(same == records.size(), "JNI results equal native results: " + same);
+    GeocodeResult first = new GeocodeResult(got.get(0));
+    check(
+        ReturnCodes.returnMeaning('7').equals("LEVEL1 cannot be opened")
+            && first.returnMeaning().equals(ReturnCodes.returnMeaning(first.returnCode()))
+            && first.matchMeaning() != null,
+        "codes and meanings come from the library's table");
     check(matched > records.size() / 2, "most sample addresses match: " + matched);
   }
 
