@@ -21,7 +21,40 @@ constexpr bool is_blank(char c) {
 
 using orlo::with_blank_work_area;
 
+namespace orlo {
+namespace {
+
+// cm_lftadj's squeeze done in place, for fields the fixed work area covers
+// (where no work area can fail): each unit is written at or before the place
+// it is read from, so nothing is overwritten before it is read. The result
+// and the field are those of the work-area squeeze.
+int32_t squeeze_in_place(char *field, int32_t len) {
+  int32_t out = 0;
+  bool seen_text = false;
+  bool after_text = false;
+  for (int32_t i = 0; i < len; ++i) {
+    if (!is_blank(field[i])) {
+      field[out++] = field[i];
+      seen_text = after_text = true;
+    } else if (after_text) {
+      field[out++] = ' ';
+      after_text = false;
+    }
+  }
+  if (!seen_text) return 0;
+  std::memset(field + out, ' ', static_cast<size_t>(len - out));
+  return after_text ? out : out - 1;
+}
+
+bool fits_fixed_area(int32_t len) {
+  return len >= 0 && static_cast<size_t>(len) <= kFixedWorkUnits;
+}
+
+}  // namespace
+}  // namespace orlo
+
 extern "C" int32_t cm_lftadj(char *field, int32_t len) {
+  if (orlo::fits_fixed_area(len)) return orlo::squeeze_in_place(field, len);
   return with_blank_work_area(len, ' ', [&](char *work) {
     int32_t n = orlo::squeeze_into(field, len, work, orlo::is_blank);
     if (n < 0) return 0;
@@ -31,6 +64,13 @@ extern "C" int32_t cm_lftadj(char *field, int32_t len) {
 }
 
 extern "C" int32_t cm_rhtadj(char *field, int32_t len) {
+  if (orlo::fits_fixed_area(len)) {
+    const int32_t n = orlo::squeeze_in_place(field, len);
+    if (n == 0) return 0;
+    std::memmove(field + (len - n), field, static_cast<size_t>(n));
+    std::memset(field, ' ', static_cast<size_t>(len - n));
+    return n;
+  }
   return with_blank_work_area(len, ' ', [&](char *work) {
     int32_t n = orlo::squeeze_into(field, len, work, orlo::is_blank);
     if (n < 0) return 0;

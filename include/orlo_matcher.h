@@ -68,6 +68,9 @@ typedef struct STREETENT {
   char sname[33];   /* street name, NUL-terminated */
 } STREETENT;
 
+/* A shared, read-only reference store (opaque). */
+typedef struct HKSTORE HKSTORE;
+
 /* The match control block: the whole state of one geocoder instance. */
 typedef struct HKMCB {
   FILE *basefp;
@@ -123,6 +126,13 @@ typedef struct HKMCB {
   /* 1 once hk_mopn has completed every step of the open; an instance whose
    * open failed keeps 0 and is refused by every call but the close. */
   int32_t opened;
+  /* The reference store the block reads through (shared by every instance
+   * of the same files; lvl1tab, lvl2tab and in memory mode lvl2mem and
+   * basemem point into it and are not the block's to free), and the street
+   * score of each candidate in cands (candcap entries), kept with the
+   * instance because the street table entries are shared. */
+  struct HKSTORE *store;
+  uint8_t *candscore;
 } HKMCB;
 
 /* The handle area of one instance: word 0 holds the HKMCB address, the rest

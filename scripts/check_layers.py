@@ -27,7 +27,7 @@ ROOMS = {
     "hkmatch/refdata": (["common", "hkmatch/premise"],
                         ["reference_access.h", "packed_record.h",
                          "street_table.h", "search_alloc.h",
-                         "reference_format.h"]),
+                         "reference_format.h", "reference_store.h"]),
     "hkmatch/input": (["common", "hkmatch/premise"], ["record_fields.h"]),
     "hkmatch/evaluate": (["common", "compare", "hkmatch/premise",
                           "hkmatch/refdata", "hkmatch/input"], []),

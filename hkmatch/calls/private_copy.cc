@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "hkmatch/calls/call_dispatch.h"
+#include "hkmatch/refdata/reference_store.h"
 #include "orlo_codes.h"
 #include "orlo_records.h"
 
@@ -41,6 +42,7 @@ void detach_search_state(HKMCB *copy) {
   copy->lvl2tab = nullptr;
   copy->lvl2buf = nullptr;
   copy->cands = nullptr;
+  copy->candscore = nullptr;
   copy->candcap = 0;
   copy->reccap = 0;
   copy->blockcap = 0;
@@ -170,6 +172,15 @@ void process_in_private_copy(const CallArgs &a, const MatcherSteps &steps) {
     std::free(first);
     std::free(second);
     *rc = code;
+    return;
+  }
+  // The copy reads through the instance's store when it reads the same
+  // files, else through a store of its own; its close drops the reference.
+  if (store_open_copy(first, instance) != HKRC_OK) {
+    files.close_all();
+    std::free(first);
+    std::free(second);
+    *rc = HKRC_STORAGE;
     return;
   }
   std::memcpy(second, first, sizeof *second);

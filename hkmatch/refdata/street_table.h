@@ -19,13 +19,13 @@ void pad_name(const char *name, char *out);
 // Index of the 30-byte key in the region index, or -1 when it is not there.
 int32_t find_region(const HKMCB *mcb, const char *key);
 
-// Loads the street table of region idx: its LEVEL2 segment into lvl2buf and
-// one STREETENT per street record into lvl2tab (lvl2cnt entries), in
-// buffers kept from earlier regions when they are large enough; resets
-// cacheused. Returns '0', '3' when storage fails, '4' when the segment lies
-// outside LEVEL2, cannot be read or does not hold its records. On failure
-// the table is empty (lvl2cnt 0).
-char load_street_table(HKMCB *mcb, int32_t idx);
+// Makes the street table of region idx the instance's current one: lvl2tab
+// and lvl2cnt point at the table the instance's store holds for the region
+// (built the first time any instance of the store needs it), lvl2initials
+// says whether it is in order of initials. Returns '0', '3' when storage
+// fails, '4' when the segment lies outside LEVEL2, cannot be read or does
+// not hold its records. On failure the table is empty (lvl2cnt 0).
+char select_street_table(HKMCB *mcb, int32_t idx);
 
 // First byte of an entry's name padded with blanks (a blank for an empty
 // name), as an unsigned value.
@@ -38,13 +38,10 @@ inline unsigned char padded_initial(const STREETENT &e) {
 int32_t first_with_initial(const HKMCB *mcb, unsigned char c);
 
 // Index of the street table entry whose padded name equals the padded
-// input name, found by bisection, or -1.
+// input name, as bisection of the table finds it, or -1.
 int32_t find_street(const HKMCB *mcb, const char *padded);
 
-// Empties the street table of the current region and frees the caches of
-// its entries. The buffers of the table, the candidates and the records
-// are kept for the next region; nothing in them is used before it is
-// written again.
+// Leaves the instance without a current street table.
 void drop_region(HKMCB *mcb);
 
 }  // namespace orlo

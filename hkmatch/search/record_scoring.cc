@@ -1,6 +1,7 @@
-// The base records of a pass's candidate streets: fetching their blocks,
-// the per-region cache of packed blocks and unpacked records, comparison
-// with the input, the match status, and the choice of one record.
+// The base records of a pass's candidate streets: their unpacked records
+// (from the reference store, or unpacked from their blocks and offered to
+// the store), comparison with the input, the match status, and the choice
+// of one record.
 //
 // The value of a record is the mean of its street score and its comparison
 // score; it is compared here as the sum of the two, which is exact (the
@@ -15,6 +16,7 @@
 #include "hkmatch/refdata/packed_record.h"
 #include "hkmatch/refdata/reference_access.h"
 #include "hkmatch/refdata/reference_format.h"
+#include "hkmatch/refdata/reference_store.h"
 #include "hkmatch/refdata/search_alloc.h"
 #include "hkmatch/search/diagnostics.h"
 #include "orlo_codes.h"
@@ -84,51 +86,14 @@ void compare(Pass &p, HKBASEREC &rec, const STREETENT &e, bool reused) {
   list_record(p, rec, e, r);
 }
 
-// Gets the street's packed block: from its cache, else from the memory
-// image or the file, caching it when the region's budget allows.
-char fetch_block(HKMCB *mcb, STREETENT &e, const unsigned char **block) {
-  if (mcb->outmode == 0 && e.bpack != nullptr) {
-    *block = reinterpret_cast<const unsigned char *>(e.bpack);
-    return HKRC_OK;
-  }
+// Reads the street's packed block into blockbuf.
+char fetch_block(HKMCB *mcb, const STREETENT &e, const unsigned char **block) {
   if (e.blen > 0 &&
       read_basedata(mcb, e.boff, e.blen, mcb->blockbuf) != HKRC_OK) {
     return HKRC_BASEDATA_SEEK;
   }
   *block = reinterpret_cast<const unsigned char *>(mcb->blockbuf);
-  if (mcb->outmode != 0 ||
-      int64_t{mcb->cacheused} + e.blen >= int64_t{mcb->cachemax}) {
-    return HKRC_OK;
-  }
-  e.bpack = static_cast<char *>(search_alloc(e.blen, 1));
-  if (e.bpack == nullptr) return HKRC_STORAGE;
-  std::memcpy(e.bpack, mcb->blockbuf, e.blen);
-  mcb->cacheused += static_cast<int32_t>(e.blen);
   return HKRC_OK;
-}
-
-int64_t unpacked_bytes(const STREETENT &e) {
-  return int64_t{e.bcnt} * static_cast<int64_t>(sizeof(HKBASEREC));
-}
-
-// Starts caching the street's unpacked records when they fit the budget.
-// Returns '0' (with *filling telling whether they are cached) or '3'.
-char start_filling(HKMCB *mcb, STREETENT &e, bool *filling) {
-  *filling = false;
-  int64_t bytes = unpacked_bytes(e);
-  if (int64_t{mcb->cacheused} + bytes >= int64_t{mcb->cachemax}) return HKRC_OK;
-  e.bunpk = static_cast<HKBASEREC *>(search_alloc(e.bcnt, sizeof(HKBASEREC)));
-  if (e.bunpk == nullptr) return HKRC_STORAGE;
-  mcb->cacheused += static_cast<int32_t>(bytes);
-  *filling = true;
-  return HKRC_OK;
-}
-
-// A block that could not be walked leaves no half-filled cache behind.
-void discard_records(HKMCB *mcb, STREETENT &e) {
-  std::free(e.bunpk);
-  e.bunpk = nullptr;
-  mcb->cacheused -= static_cast<int32_t>(unpacked_bytes(e));
 }
 
 // Unpacks the record at *pos of the block into rec and steps past it.
@@ -142,24 +107,38 @@ bool unpack_next(const unsigned char *block, uint32_t blen, size_t *pos,
   return true;
 }
 
-char compare_block(Pass &p, STREETENT &e, int32_t i, const unsigned char *block,
-                   bool filling) {
-  const bool cached = e.bunpk != nullptr && !filling;
+// Compares record p.k, which holds record j of candidate i, and moves on.
+void compare_next(Pass &p, const STREETENT &e, int32_t i) {
+  HKBASEREC &rec = p.mcb->baserecs[p.k++];
+  rec.bscore = p.mcb->candscore[i];
+  rec.bcand = i;
+  compare(p, rec, e, /*reused=*/false);
+}
+
+// Compares the street's records, placed in baserecs from p.k on: copied
+// from the store when some search has unpacked them, else unpacked from the
+// block one by one (each compared before the next is unpacked, so that a
+// record that does not decode stops the pass where it stands) and then
+// offered to the store. Returns '0', or '5' when the block cannot be read
+// or walked.
+char compare_street(Pass &p, const STREETENT &e, int32_t i) {
+  HKMCB *mcb = p.mcb;
+  HKBASEREC *out = mcb->baserecs + p.k;
+  const int32_t entry = static_cast<int32_t>(&e - mcb->lvl2tab);
+  if (const HKBASEREC *shared = store_street_records(mcb, entry)) {
+    std::memcpy(out, shared, size_t{e.bcnt} * sizeof(HKBASEREC));
+    for (uint16_t j = 0; j < e.bcnt; ++j) compare_next(p, e, i);
+    return HKRC_OK;
+  }
+  const unsigned char *block = nullptr;
+  if (char code = fetch_block(mcb, e, &block); code != HKRC_OK) return code;
   size_t pos = 0;
   for (uint16_t j = 0; j < e.bcnt; ++j) {
-    HKBASEREC &rec = p.mcb->baserecs[p.k];
-    if (cached) {
-      rec = e.bunpk[j];
-    } else {
-      if (!unpack_next(block, e.blen, &pos, &rec)) return HKRC_BASEDATA_SEEK;
-      rec.bpen = 0;  // the unpacker leaves the search's fields alone
-      if (filling) e.bunpk[j] = rec;
-    }
-    rec.bscore = e.sscore;
-    rec.bcand = i;
-    compare(p, rec, e, /*reused=*/false);
-    ++p.k;
+    if (!unpack_next(block, e.blen, &pos, &out[j])) return HKRC_BASEDATA_SEEK;
+    out[j].bpen = 0;  // the unpacker leaves the search's fields alone
+    compare_next(p, e, i);
   }
+  store_publish_records(mcb, entry, out, e.bcnt);
   return HKRC_OK;
 }
 
@@ -174,27 +153,19 @@ char extract_block(const HKMCB *mcb, const STREETENT &e,
   return HKRC_OK;
 }
 
-char score_street(Pass &p, STREETENT &e, int32_t i) {
+char score_street(Pass &p, const STREETENT &e, int32_t i) {
   HKMCB *mcb = p.mcb;
-  // Cached records make the block itself unnecessary.
-  const bool cached = mcb->outmode == 0 && e.bunpk != nullptr;
+  if (mcb->outmode == 0) return compare_street(p, e, i);
+  // The extracts read every block and compare nothing.
   const unsigned char *block = nullptr;
-  char code = cached ? HKRC_OK : fetch_block(mcb, e, &block);
-  if (code != HKRC_OK) return code;
-  if (mcb->outmode == 2) return extract_block(mcb, e, block);
-  if (mcb->outmode != 0) return HKRC_OK;
-  bool filling = false;
-  if (!cached && (code = start_filling(mcb, e, &filling)) != HKRC_OK)
-    return code;
-  code = compare_block(p, e, i, block, filling);
-  if (code != '0' && filling) discard_records(mcb, e);
-  return code;
+  if (char code = fetch_block(mcb, e, &block); code != HKRC_OK) return code;
+  return mcb->outmode == 2 ? extract_block(mcb, e, block) : HKRC_OK;
 }
 
 // The most records of the candidates that a fresh pass can write. A block
 // outside BASEDATA fails its read before any record is written, a walk fails
 // at the first record that does not fit, and records take at least
-// refdb::kMinRecordBytes bytes, so an uncached street yields at most
+// refdb::kMinRecordBytes bytes, so a street not yet unpacked yields at most
 // blen / refdb::kMinRecordBytes records before its walk succeeds or fails. A
 // corrupt count beyond that must not make the pass reserve (and zero) room
 // it can never fill. On sound data this is the sum of the counts.
@@ -202,7 +173,8 @@ int64_t writable_records(const HKMCB *mcb, int32_t count) {
   int64_t n = 0;
   for (int32_t i = 0; i < count; ++i) {
     const STREETENT &e = *mcb->cands[i];
-    if (e.bunpk != nullptr) {
+    const int32_t entry = static_cast<int32_t>(&e - mcb->lvl2tab);
+    if (store_street_records(mcb, entry) != nullptr) {
       n += e.bcnt;
       continue;
     }

@@ -89,7 +89,7 @@ char select_region(Search &s, const char *key) {
   std::memcpy(mcb->lastkey, key, kKeyLen);
   mcb->lastidx = idx;
   std::strncpy(mcb->lastname, street, sizeof mcb->lastname);
-  char code = load_street_table(mcb, idx);
+  char code = select_street_table(mcb, idx);
   // Without its table the key must not look loaded to the next search.
   if (code != HKRC_OK) forget_last(mcb);
   return code;

@@ -46,19 +46,36 @@ struct Scan {
   bool exact = false;
 };
 
+// Makes room for kCandidateStep more candidates, keeping those there.
+char grow_candidates(HKMCB *mcb, int32_t count) {
+  const int64_t cap = mcb->candcap + kCandidateStep;
+  auto *cands = static_cast<STREETENT **>(
+      search_alloc(static_cast<size_t>(cap), sizeof(STREETENT *)));
+  auto *scores = static_cast<uint8_t *>(
+      cands != nullptr ? search_alloc(static_cast<size_t>(cap), 1) : nullptr);
+  if (scores == nullptr) {
+    std::free(cands);
+    return HKRC_STORAGE;
+  }
+  if (count > 0) {
+    std::memcpy(cands, mcb->cands, count * sizeof(STREETENT *));
+    std::memcpy(scores, mcb->candscore, static_cast<size_t>(count));
+  }
+  std::free(mcb->cands);
+  std::free(mcb->candscore);
+  mcb->cands = cands;
+  mcb->candscore = scores;
+  mcb->candcap = cap;
+  return HKRC_OK;
+}
+
+// The street's score is the instance's: the table entries are shared.
 char append_candidate(Scan &s, STREETENT *e, int score) {
   HKMCB *mcb = s.mcb;
-  if (s.count >= mcb->candcap) {
-    int64_t cap = mcb->candcap + kCandidateStep;
-    auto *grown = static_cast<STREETENT **>(
-        search_alloc(static_cast<size_t>(cap), sizeof(STREETENT *)));
-    if (grown == nullptr) return HKRC_STORAGE;
-    std::memcpy(grown, mcb->cands, s.count * sizeof(STREETENT *));
-    std::free(mcb->cands);
-    mcb->cands = grown;
-    mcb->candcap = cap;
+  if (s.count >= mcb->candcap && grow_candidates(mcb, s.count) != HKRC_OK) {
+    return HKRC_STORAGE;
   }
-  e->sscore = static_cast<uint8_t>(score);
+  mcb->candscore[s.count] = static_cast<uint8_t>(score);
   mcb->cands[s.count++] = e;
   if (score == kExactScore) s.exact = true;
   return HKRC_OK;
@@ -169,8 +186,16 @@ bool begins_with_street_type(const char *padded) {
 }
 
 char reset_candidates(HKMCB *mcb) {
-  return reserve(&mcb->cands, &mcb->candcap, kCandidateStep) ? HKRC_OK
-                                                             : HKRC_STORAGE;
+  if (mcb->cands != nullptr && mcb->candscore != nullptr &&
+      mcb->candcap >= kCandidateStep) {
+    return HKRC_OK;
+  }
+  std::free(mcb->cands);
+  std::free(mcb->candscore);
+  mcb->cands = nullptr;
+  mcb->candscore = nullptr;
+  mcb->candcap = 0;
+  return grow_candidates(mcb, 0);
 }
 
 char collect_candidates(HKMCB *mcb, const ScanRequest &req, int32_t *count,

@@ -23,9 +23,9 @@ char reset_candidates(HKMCB *mcb);
 
 // Scans the street table and appends every street whose score is 90 or
 // more to cands (growing it by 1000 entries when full), with that score in
-// its sscore. *count receives the number of candidates; *exact is set when
-// one scored 100. In street extract mode every street is written to the
-// extract file and taken with score 100. Returns '0' or '3'.
+// the same place of candscore. *count receives the number of candidates; *exact
+// is set when one scored 100. In street extract mode every street is written to
+// the extract file and taken with score 100. Returns '0' or '3'.
 char collect_candidates(HKMCB *mcb, const ScanRequest &req, int32_t *count,
                         bool *exact);
 

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "hkmatch/refdata/reference_access.h"
+#include "hkmatch/refdata/reference_store.h"
 #include "orlo_matcher.h"
 #include "support/reference_files.h"
 
@@ -396,35 +397,34 @@ TEST_F(Instance, CloseKeepsTheHandleWordAndReleasesTheFiles) {
 }
 
 // What a search leaves behind belongs to the block, whether instance or
-// copy; under the leak checker a close that misses any of it fails.
+// copy; under the leak checker a close that misses any of it fails. (The
+// street table is the store's.)
 void leave_search_data(HKMCB *m) {
-  m->lvl2cnt = 2;
-  m->lvl2tab = static_cast<STREETENT *>(std::calloc(2, sizeof(STREETENT)));
-  m->lvl2tab[0].bpack = static_cast<char *>(std::malloc(64));
-  m->lvl2tab[0].bunpk =
-      static_cast<HKBASEREC *>(std::malloc(sizeof(HKBASEREC)));
-  m->lvl2tab[1].bpack = static_cast<char *>(std::malloc(32));
   m->baserecs = static_cast<HKBASEREC *>(std::malloc(3 * sizeof(HKBASEREC)));
   m->basecur = m->baserecs;
   m->blockbuf = static_cast<char *>(std::malloc(128));
   m->lvl2buf = static_cast<char *>(std::malloc(256));
   m->cands = static_cast<STREETENT **>(std::malloc(8 * sizeof(STREETENT *)));
+  m->candscore = static_cast<uint8_t *>(std::malloc(8));
 }
 
 // The private copy of an "R" call with search data of its own: in memory
 // mode it shares the instance's files and images, otherwise it has its own
-// BASEDATA and LEVEL2 streams.
+// BASEDATA and LEVEL2 streams; either way it holds a reference to a store.
 HKMCB *copy_for_one_record(const HKMCB *instance, bool share_files,
                            const std::string &base, const std::string &l2) {
   auto *copy = static_cast<HKMCB *>(std::malloc(sizeof(HKMCB)));
   std::memcpy(copy, instance, sizeof(HKMCB));
   copy->state = 'R';
   copy->inmem = share_files ? 1 : 0;
+  copy->lvl2tab = nullptr;
+  copy->lvl2cnt = 0;
   if (!share_files) {
     copy->lvl2mem = copy->basemem = nullptr;
     copy->basefp = std::fopen(base.c_str(), "rb");
     copy->lvl2fp = std::fopen(l2.c_str(), "rb");
   }
+  EXPECT_EQ(orlo::store_open_copy(copy, instance), '0');
   leave_search_data(copy);
   return copy;
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "hkmatch/refdata/reference_access.h"
+#include "hkmatch/refdata/reference_store.h"
 #include "hkmatch/refdata/search_alloc.h"
 #include "orlo_compare.h"
 #include "orlo_matcher.h"
@@ -55,8 +56,9 @@ INSTANTIATE_TEST_SUITE_P(Modes, Search, ::testing::Values("-", "M"),
                                                                    : "File");
                          });
 
-// Searches that choose nothing: status, state left, and whether the next
-// search reloads the street table (no key or no such region forgets it).
+// Searches that choose nothing: status and state left (no key or no such
+// region forgets the key). The street table stays in the reference store,
+// so the next search reads no LEVEL2 whatever the last one did.
 TEST_P(Search, SearchesThatChooseNothing) {
   const struct {
     Address a;
@@ -126,16 +128,16 @@ TEST_P(Search, SearchesThatChooseNothing) {
     }
     const Work w;
     EXPECT_EQ(g.search({"KLN", "NATHAN ROAD", "15"}).refid(), "00001");
-    EXPECT_EQ(w.level2(), r.forgets_key ? 1u : 0u);
+    EXPECT_EQ(w.level2(), 0u);
     EXPECT_EQ(g.search({"HK", "DES VOEUX ROAD", "5"}).refid(), "00011");
   }
 }
 
 // An exact street chooses the record whose range holds the number; each
-// search of the walk reads and unpacks only what no earlier one left: the
-// same street reuses its candidates, a street seen before in the region
-// comes from the cache, a new region drops the table and the caches.
-TEST_P(Search, ReuseAndRegionCache) {
+// search of the walk reads and unpacks only what no earlier one left in the
+// reference store: the same street reuses its candidates, a street seen
+// before comes from the store, and a region met again costs nothing.
+TEST_P(Search, ReuseAndTheStore) {
   const struct {
     Address a;
     const char *refid;
@@ -144,10 +146,11 @@ TEST_P(Search, ReuseAndRegionCache) {
   } walk[] = {
       {{"KLN", "NATHAN ROAD", "12"}, "00001", 1, 1, 2, true},
       {{"KLN", "NATHAN ROAD", "33"}, "00002", 0, 0, 0, false},
-      {{"KLN", "ARGYLE STREET", "7"}, "00020", 0, 1, 1, true},
+      {{"KLN", "ARGYLE STREET", "7"}, "00020", 0, 1, 1, false},
       {{"KLN", "NATHAN ROAD", "15"}, "00001", 0, 0, 0, false},
       {{"HK", "DES VOEUX ROAD", "5"}, "00011", 1, 1, 1, true},
-      {{"KLN", "NATHAN ROAD", "12"}, "00001", 1, 1, 2, true},
+      {{"KLN", "NATHAN ROAD", "12"}, "00001", 0, 0, 0, false},
+      {{"HK", "DES VOEUX ROAD", "6"}, "00011", 0, 0, 0, false},
   };
   TestDb db(kCsv);
   Geocoder g(db, options());
@@ -168,8 +171,43 @@ TEST_P(Search, ReuseAndRegionCache) {
     if (!s.allocates) {
       EXPECT_EQ(w.allocs(), 0u);
     }
-    EXPECT_GT(g.mcb()->cacheused, 0);
   }
+}
+
+// Every instance of the same files shares one store: what one unpacked the
+// other reads without touching the files; other files get a store of their
+// own, and the last close frees it.
+TEST_P(Search, InstancesOfTheSameFilesShareOneStore) {
+  TestDb db(kCsv), other(kCsv);
+  const orlo::StoreCounts before = orlo::store_counts();
+  {
+    Geocoder a(db, options()), b(db, options()), c(other, options());
+    EXPECT_EQ(a.mcb()->store, b.mcb()->store);
+    EXPECT_NE(a.mcb()->store, c.mcb()->store);
+    EXPECT_EQ(orlo::store_counts().stores, before.stores + 2);
+    EXPECT_EQ(a.search({"KLN", "NATHAN ROAD", "12"}).refid(), "00001");
+    const Work w;
+    EXPECT_EQ(b.search({"KLN", "NATHAN ROAD", "33"}).refid(), "00002");
+    EXPECT_EQ(w.level2() + w.basedata() + w.unpacks(), 0u);
+    EXPECT_EQ(c.search({"KLN", "NATHAN ROAD", "33"}).refid(), "00002");
+    EXPECT_EQ(w.level2(), 1u);
+  }
+  EXPECT_EQ(orlo::store_counts().stores, before.stores);
+}
+
+// Records beyond the store's budget are not kept: each search unpacks them
+// again, with the same result.
+TEST_P(Search, RecordsBeyondTheBudgetAreUnpackedEachTime) {
+  TestDb db(kCsv);
+  Geocoder g(db, options());
+  orlo::detail::store_record_budget = 1;
+  for (int i = 0; i < 2; ++i) {
+    const Work w;
+    EXPECT_EQ(g.search({"KLN", "ARGYLE STREET", "7"}).refid(), "00020");
+    EXPECT_EQ(g.search({"KLN", "SHANGHAI STREET", "7"}).refid(), "00030");
+    EXPECT_EQ(w.unpacks(), 2u);
+  }
+  orlo::detail::store_record_budget = 0;
 }
 
 // After a search settled in the fuzzy pass the candidates are rebuilt.
@@ -184,27 +222,6 @@ TEST_P(Search, NoReuseAfterASearchThatDidNotChooseInItsFirstPass) {
   EXPECT_EQ(g.mcb()->laststat, 0);  // chosen in the first pass, not reused
   EXPECT_EQ(w.level2(), 0u);
   EXPECT_EQ(w.unpacks(), 0u);
-}
-
-// Under the per-region cache ceiling only what fits is kept.
-TEST_P(Search, CacheCeilingKeepsBlocksAndRecordsThatFitOnly) {
-  TestDb db(kCsv);
-  Geocoder g(db, options());
-  const uint32_t blen =
-      orlo::testing::street_block(db, "KLN", "NATHAN ROAD").len;
-  g.search({"HK", "DES VOEUX ROAD", "5"});
-  g.mcb()->cachemax = static_cast<int32_t>(blen + 1);
-  g.search({"KLN", "NATHAN ROAD", "12"});
-  EXPECT_EQ(g.mcb()->cacheused, static_cast<int32_t>(blen));
-  g.search({"KLN", "ARGYLE STREET", "7"});
-
-  Work w;
-  EXPECT_EQ(g.search({"KLN", "NATHAN ROAD", "12"}).refid(), "00001");
-  EXPECT_EQ(w.basedata(), 0u);
-  EXPECT_EQ(w.unpacks(), 2u);
-  w = Work();
-  EXPECT_EQ(g.search({"KLN", "ARGYLE STREET", "8"}).refid(), "00020");
-  EXPECT_EQ(w.basedata(), 1u);
 }
 
 TEST_P(Search, SearchLevelTwoStartsFuzzyAndNeverCountsAsFirstPass) {
@@ -248,7 +265,7 @@ TEST(FuzzyPass, SecondPassFindsCloseStreets) {
     EXPECT_EQ(o.grade(), '1');
     EXPECT_EQ(g.mcb()->laststat, 1);
     ASSERT_EQ(g.mcb()->lastcnt, 1);
-    EXPECT_EQ(g.mcb()->cands[0]->sscore, score);
+    EXPECT_EQ(g.mcb()->candscore[0], score);
 
     Geocoder exact_only(db, "4");
     o = exact_only.search({r.region, r.input, "12"});
