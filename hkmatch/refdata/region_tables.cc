@@ -112,7 +112,7 @@ uint32_t hash_name(const char *name) {
 }
 
 const char *padded_of(const BuiltRegion &r, int32_t entry) {
-  return r.padded + size_t{kPaddedName} * static_cast<size_t>(entry);
+  return &r.padded[size_t{kPaddedName} * static_cast<size_t>(entry)];
 }
 
 // The slot that holds `name`, or the free slot where it would go.
