@@ -6,13 +6,19 @@
 //    the total of all threads);
 //  - BM_Open: the time of an "O" call (and the "C" that follows) in both
 //    modes, and the heap one open instance holds;
+//  - BM_OpenShared: an open of files another instance holds open (it
+//    attaches to that instance's reference store);
+//  - BM_ManyInstances: the resident memory of 200 instances of the same
+//    files, each after 1,000 realistic records;
 //  - BM_InstanceMemory: the heap one instance holds after a batch of
 //    realistic records has filled its caches.
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
 #include <array>
+#include <cstdio>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -128,6 +134,91 @@ BENCHMARK(BM_Open)
     ->ArgNames({"memory"})
     ->Arg(0)
     ->Arg(1)
+    ->Unit(benchmark::kMillisecond);
+
+// A second and later open of files another instance holds open: it attaches
+// to that instance's reference store instead of reading the files again.
+void BM_OpenShared(benchmark::State &state) {
+  const bool memory = state.range(0) != 0;
+  if (database_dir().empty()) {
+    state.SkipWithError("no database");
+    return;
+  }
+  Instance first(memory);
+  double held = 0;
+  for (auto _ : state) {
+    double before = heap_bytes();
+    Instance instance(memory);
+    held = heap_bytes() - before;
+    if (!instance.ok()) {
+      state.SkipWithError("open failed");
+      return;
+    }
+  }
+  state.counters["heap_MB"] = held / 1e6;
+}
+
+BENCHMARK(BM_OpenShared)
+    ->ArgNames({"memory"})
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond);
+
+// Resident memory of the whole process, in bytes.
+double resident_bytes() {
+  FILE *f = std::fopen("/proc/self/status", "r");
+  if (f == nullptr) return 0;
+  char line[256];
+  double kb = 0;
+  while (std::fgets(line, sizeof line, f) != nullptr) {
+    if (std::sscanf(line, "VmRSS: %lf kB", &kb) == 1) break;
+  }
+  std::fclose(f);
+  return kb * 1024;
+}
+
+// 200 instances of the same files open at once, each after 1,000 records of
+// the realistic mix (each from its own place in the batch): the resident
+// memory they add to the process, and what the process holds in all.
+void BM_ManyInstances(benchmark::State &state) {
+  constexpr int kInstances = 200;
+  constexpr size_t kRecords = 1000;
+  const bool memory = state.range(0) != 0;
+  const std::vector<std::string> &recs = inputs(orlo::bench::kRealistic, false);
+  if (recs.empty()) {
+    state.SkipWithError("no database");
+    return;
+  }
+  double added = 0;
+  double total = 0;
+  for (auto _ : state) {
+    const double before = resident_bytes();
+    std::vector<std::unique_ptr<Instance>> open;
+    for (int n = 0; n < kInstances; ++n) {
+      open.push_back(std::make_unique<Instance>(memory));
+      if (!open.back()->ok()) {
+        state.SkipWithError("open failed");
+        return;
+      }
+      size_t i = recs.size() * static_cast<size_t>(n) / kInstances;
+      for (size_t k = 0; k < kRecords; ++k) {
+        open.back()->process(recs[i]);
+        i = i + 1 == recs.size() ? 0 : i + 1;
+      }
+    }
+    total = resident_bytes();
+    added = total - before;
+  }
+  state.SetItemsProcessed(state.iterations() * kInstances * kRecords);
+  state.counters["rss_added_MB"] = added / 1e6;
+  state.counters["rss_total_MB"] = total / 1e6;
+}
+
+BENCHMARK(BM_ManyInstances)
+    ->ArgNames({"memory"})
+    ->Arg(0)
+    ->Arg(1)
+    ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
 
 void BM_InstanceMemory(benchmark::State &state) {

@@ -24,28 +24,6 @@ using orlo::with_blank_work_area;
 namespace orlo {
 namespace {
 
-// cm_lftadj's squeeze done in place, for fields the fixed work area covers
-// (where no work area can fail): each unit is written at or before the place
-// it is read from, so nothing is overwritten before it is read. The result
-// and the field are those of the work-area squeeze.
-int32_t squeeze_in_place(char *field, int32_t len) {
-  int32_t out = 0;
-  bool seen_text = false;
-  bool after_text = false;
-  for (int32_t i = 0; i < len; ++i) {
-    if (!is_blank(field[i])) {
-      field[out++] = field[i];
-      seen_text = after_text = true;
-    } else if (after_text) {
-      field[out++] = ' ';
-      after_text = false;
-    }
-  }
-  if (!seen_text) return 0;
-  std::memset(field + out, ' ', static_cast<size_t>(len - out));
-  return after_text ? out : out - 1;
-}
-
 bool fits_fixed_area(int32_t len) {
   return len >= 0 && static_cast<size_t>(len) <= kFixedWorkUnits;
 }

@@ -1,7 +1,8 @@
 // The JNI entry points of class pkgs.natives.OrloHKGeocoder.
 //
-// Each method copies its Java arrays and strings, makes one call on the
-// handle table or the matcher, and releases everything. A failure that
+// Each method copies the bytes of its Java arrays that the call uses (and
+// the strings it uses), makes one call on the handle table or the matcher,
+// and copies back what the call wrote. A failure that
 // escapes (a C++ exception, the virtual machine refusing an array) never
 // reaches Java: the method prints its fixed line on standard output and
 // writes its one-letter marker into byte 0 of the caller's record.
@@ -29,8 +30,10 @@ void say(const char *line) {
 // Thrown when an argument cannot be obtained or is too short.
 struct BadArgument : std::exception {};
 
-// A Java byte array held as its elements for the length of one call;
-// released with mode 0 so that what the matcher wrote reaches Java.
+// A Java byte array of which a call uses the first `size` bytes: they are
+// copied into a buffer of the caller's when the call obtains them, and
+// copied back (when the call may write them) when it releases them, so a
+// call costs the bytes it uses and no more, however long the array.
 class ByteArg {
  public:
   ByteArg(JNIEnv *env, jbyteArray array) : env_(env), array_(array) {}
@@ -38,34 +41,47 @@ class ByteArg {
   ByteArg(const ByteArg &) = delete;
   ByteArg &operator=(const ByteArg &) = delete;
 
-  // Obtains the elements; the array must hold at least `min` bytes.
-  char *obtain(jsize min) {
-    if (array_ == nullptr || env_->GetArrayLength(array_) < min)
+  // Copies the first `size` bytes into `buffer` and returns it; the array
+  // must hold at least `size` bytes. With `written`, release() copies them
+  // back.
+  char *obtain(jsize size, char *buffer, bool written = true) {
+    if (array_ == nullptr || env_->GetArrayLength(array_) < size) {
       throw BadArgument();
-    data_ = env_->GetByteArrayElements(array_, nullptr);
-    if (data_ == nullptr) throw BadArgument();
-    return reinterpret_cast<char *>(data_);
+    }
+    env_->GetByteArrayRegion(array_, 0, size,
+                             reinterpret_cast<jbyte *>(buffer));
+    if (env_->ExceptionCheck()) {
+      env_->ExceptionClear();
+      throw BadArgument();
+    }
+    buffer_ = buffer;
+    size_ = written ? size : 0;
+    return buffer;
   }
   bool is_null() const { return array_ == nullptr; }
-  // Writes a marker into byte 0, through the elements when they are held.
+  // Writes a marker into byte 0, through the copy when one is held.
   void mark(char marker) {
-    if (data_ != nullptr) {
-      data_[0] = marker;
+    if (buffer_ != nullptr && size_ > 0) {
+      buffer_[0] = marker;
     } else if (array_ != nullptr && env_->GetArrayLength(array_) >= 1) {
       jbyte b = marker;
       env_->SetByteArrayRegion(array_, 0, 1, &b);
     }
   }
   void release() {
-    if (data_ == nullptr) return;
-    env_->ReleaseByteArrayElements(array_, data_, 0);
-    data_ = nullptr;
+    if (buffer_ != nullptr && size_ > 0) {
+      env_->SetByteArrayRegion(array_, 0, size_,
+                               reinterpret_cast<const jbyte *>(buffer_));
+    }
+    buffer_ = nullptr;
+    size_ = 0;
   }
 
  private:
   JNIEnv *env_;
   jbyteArray array_;
-  jbyte *data_ = nullptr;
+  char *buffer_ = nullptr;
+  jsize size_ = 0;  // bytes to copy back
 };
 
 // A Java string held as modified UTF-8; a null string stays NULL.
@@ -127,8 +143,12 @@ struct JavaArgs final : ArgSource {
 
   CallArgs obtain(unsigned needs) override {
     CallArgs a;
-    if (needs & kNeedOutRec) a.out_rec = outRec.obtain(HKOUTREC_SIZE);
-    if (needs & kNeedInRec) a.in_rec = inRec.obtain(HKINREC_SIZE);
+    if (needs & kNeedOutRec) {
+      a.out_rec = outRec.obtain(HKOUTREC_SIZE, out_copy_.data());
+    }
+    if (needs & kNeedInRec) {
+      a.in_rec = inRec.obtain(HKINREC_SIZE, in_copy_.data(), false);
+    }
     if (needs & (kNeedFiles | kNeedReport)) a.options = options.obtain();
     if (needs & kNeedFiles) {
       a.level1_path = level1Path.obtain();
@@ -156,15 +176,18 @@ struct JavaArgs final : ArgSource {
   }
 
  private:
-  // A listing call given no list area gets a private scratch area instead
-  // of a crash; a list area too short is refused.
+  // The list areas are copied through one area per thread, so that nothing
+  // is allocated per call (a call uses it only while it runs, and calls on
+  // one thread never overlap). A listing call given no list area gets the
+  // scratch area instead of a crash; a list area too short is refused.
   char *list_area(ByteArg &arg, jsize size, size_t offset) {
-    if (!arg.is_null()) return arg.obtain(size);
-    // One area per thread, so that nothing is allocated per call: a call
-    // uses it only while it runs and calls on one thread never overlap.
     thread_local std::array<char, kNamelistSize + kReclistSize> scratch;
-    return scratch.data() + offset;
+    char *area = scratch.data() + offset;
+    return arg.is_null() ? area : arg.obtain(size, area);
   }
+
+  std::array<char, HKINREC_SIZE> in_copy_;
+  std::array<char, HKOUTREC_SIZE> out_copy_;
 };
 
 // Runs one call, which obtains what it needs from args; a failure prints
@@ -271,8 +294,9 @@ JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_closeGeocoder(
 JNIEXPORT jint JNICALL Java_pkgs_natives_OrloHKGeocoder_getErrorMsg(
     JNIEnv *env, jclass /*cls*/, jbyteArray record) {
   ByteArg rec(env, record);
+  char code[1];
   try {
-    hk_doem(rec.obtain(1));
+    hk_doem(rec.obtain(1, code, false));
   } catch (...) {
     orlo::native::say("orloHKGeocoder:exception in getErrorMsg\n");
     rec.mark(HKRC_ERRMSG_FAILED);
@@ -290,9 +314,12 @@ JNIEXPORT void JNICALL Java_pkgs_natives_OrloHKGeocoder_copyFields(
     JNIEnv *env, jclass /*cls*/, jbyteArray source, jbyteArray inRec) {
   ByteArg in(env, inRec);
   ByteArg src(env, source);
+  std::array<char, HKINREC_SIZE> rec_copy;
+  // The source record is read only; one copy area per thread.
+  thread_local std::array<char, HKSRCREC_SIZE> src_copy;
   try {
-    char *rec = in.obtain(HKINREC_SIZE);
-    hk_amat(src.obtain(HKSRCREC_SIZE), rec);
+    char *rec = in.obtain(HKINREC_SIZE, rec_copy.data());
+    hk_amat(src.obtain(HKSRCREC_SIZE, src_copy.data(), false), rec);
   } catch (...) {
     orlo::native::say("orloHKGeocoder : exception in copyFields\n");
     in.mark(HKRC_COPY_FAILED);

@@ -4,6 +4,7 @@
 // other names only count when one is the tail of the other.
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -74,16 +75,40 @@ bool same_start(const Name &a, const Name &b, size_t n) {
   return std::memcmp(a.data(), b.data(), n) == 0;
 }
 
+// A name as the close comparison sees it: right-justified, its ending
+// shortened, left-justified again.
+void adjust(Name &name) {
+  cm_rhtadj(name.data(), kNameLen);
+  shorten_suffix(name);
+  cm_lftadj(name.data(), kNameLen);
+}
+
+// The input's adjusted name, kept per thread: one input is compared with
+// every record of its candidate streets.
+const Name &adjusted_input(std::string_view text) {
+  struct Cache {
+    char text[31];
+    size_t len = SIZE_MAX;
+    Name adjusted;
+  };
+  thread_local Cache cache;
+  if (cache.len != text.size() ||
+      std::memcmp(cache.text, text.data(), text.size()) != 0) {
+    std::memcpy(cache.text, text.data(), text.size());
+    cache.len = text.size();
+    cache.adjusted = blank_name(text);
+    adjust(cache.adjusted);
+  }
+  return cache.adjusted;
+}
+
 // A shorter name that agrees with the start of a longer one, at least half
 // as long, still counts as a tail match. The lengths are those of the names
 // as they came; the compared characters are those of the adjusted names.
-int32_t close_likeness(Name a, Name b, size_t len_a, size_t len_b) {
-  cm_rhtadj(a.data(), kNameLen);
-  cm_rhtadj(b.data(), kNameLen);
-  shorten_suffix(a);
-  shorten_suffix(b);
-  cm_lftadj(a.data(), kNameLen);
-  cm_lftadj(b.data(), kNameLen);
+int32_t close_likeness(std::string_view input, Name b, size_t len_a,
+                       size_t len_b) {
+  const Name &a = adjusted_input(input);
+  adjust(b);
   const int32_t s = m_street(a.data(), b.data(), kNameLen, nullptr);
   if (s <= 98 && len_a < len_b && len_b - len_a <= len_a &&
       same_start(a, b, len_a)) {
@@ -106,10 +131,12 @@ bool ends_with(std::string_view text, std::string_view tail) {
 int32_t building_likeness(const char *input, const char *record) {
   const std::string_view a(input, strnlen(input, 30));
   const std::string_view b(record, strnlen(record, 30));
+  // Equal names stay equal through the adjustment and compare as 100.
+  if (a == b && !a.empty()) return 100;
   const Name name_a = blank_name(a);
   const Name name_b = blank_name(b);
   if (close_names(name_a, name_b)) {
-    return close_likeness(name_a, name_b, a.size(), b.size());
+    return close_likeness(a, name_b, a.size(), b.size());
   }
   return ends_with(b, a) || ends_with(a, b) ? kTailMatch : 0;
 }

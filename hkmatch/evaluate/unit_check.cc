@@ -111,6 +111,8 @@ struct UnitScan {
   // match, copies the number, moves i past it and tells whether it is a
   // room number.
   bool take_at(size_t &i, NumberText &number, bool &room) const {
+    // The unit word and every keyword begin with a non-blank.
+    if (line[i] == ' ') return false;
     if (holds_at(line, i, std::string_view(word.data(), word_len + 1))) {
       i = take_number(line, i + word_len + 1, Take::kText, number);
       return true;

@@ -57,6 +57,8 @@ void prepare_premno(const char *inrec, HKWORKREC *work) {
 // joined) and copies the text into dest.
 void prepare_text(WorkBuffer &buf, std::string_view first,
                   std::string_view second, char *dest, size_t dest_size) {
+  // A blank field gives an empty text, and dest is zero already.
+  if (all_blank(first) && all_blank(second)) return;
   std::copy(first.begin(), first.end(), buf.begin());
   std::copy(second.begin(), second.end(), buf.begin() + first.size());
   const size_t len = first.size() + second.size();

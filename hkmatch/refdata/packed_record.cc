@@ -3,6 +3,7 @@
 // that the search uses on data read from BASEDATA).
 #include "hkmatch/refdata/packed_record.h"
 
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -33,6 +34,12 @@ size_t bytes_read(unsigned char header) {
   return refdb::number_width(type);
 }
 
+// The decimal text of v and its NUL, as "%u" writes it (at most 11 bytes).
+void write_decimal(uint32_t v, char *text) {
+  char *end = std::to_chars(text, text + 10, v).ptr;
+  *end = '\0';
+}
+
 // Decodes one item into text (at least 32 bytes); unknown types give the
 // empty string.
 void decode_item(const unsigned char *item, char *text) {
@@ -45,13 +52,13 @@ void decode_item(const unsigned char *item, char *text) {
       return;
     }
     case ItemType::kSmall:
-      std::snprintf(text, 32, "%d", static_cast<int>(d[0]));
+      write_decimal(d[0], text);
       return;
     case ItemType::kNumber:
-      std::snprintf(text, 32, "%d", static_cast<int>(load_be16(d)));
+      write_decimal(load_be16(d), text);
       return;
     case ItemType::kLong:
-      std::snprintf(text, 32, "%u", static_cast<unsigned>(load_be32(d)));
+      write_decimal(load_be32(d), text);
       return;
     case ItemType::kUnknown:
       text[0] = '\0';

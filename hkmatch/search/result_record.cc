@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "common/fixed_field.h"
+#include "common/squeeze.h"
 #include "hkmatch/input/record_fields.h"
 #include "orlo_codes.h"
 #include "orlo_fields.h"
@@ -38,8 +39,12 @@ struct LineBuffer {
     std::copy_n(part.begin(), n, text.begin() + pos);
   }
 
+  // The first 50 bytes that cm_lftadj over the whole line would give, done
+  // in place: the line is longer than the field routines' fixed work area,
+  // and only the width of an output line is ever used.
   std::string_view justified() {
-    cm_lftadj(text.data(), static_cast<int32_t>(text.size()));
+    squeeze_prefix(text.data(), static_cast<int32_t>(text.size()),
+                   HKOUT_LINE1_LEN);
     return {text.data(), HKOUT_LINE1_LEN};
   }
 };

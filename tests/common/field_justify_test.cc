@@ -1,8 +1,10 @@
 // Byte field justification and packing.
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 
+#include "common/squeeze.h"
 #include "common/work_area.h"
 #include "orlo_fields.h"
 
@@ -76,6 +78,29 @@ TEST(FieldRoutines, LongFieldsMatchShortOnes) {
   EXPECT_EQ(cm_rhtadj(right.data(), 300), 1);
   EXPECT_EQ(right[299], 'Q');
   EXPECT_EQ(right[0], ' ');
+}
+
+// The in-place squeezes give what the work-area path gives: on fields up to
+// the fixed area in full, and on long lines as their first bytes. Random
+// fields of blanks, letters and other bytes, of every length up to 300.
+TEST(FieldRoutines, InPlaceSqueezesMatchTheWorkAreaPath) {
+  std::mt19937 rng(11);
+  const std::string alphabet = "     AB\t\0."s;
+  for (int round = 0; round < 20000; ++round) {
+    const int32_t len = static_cast<int32_t>(rng() % 301);
+    std::string field(static_cast<size_t>(len), ' ');
+    for (char &c : field) c = alphabet[rng() % alphabet.size()];
+    if (rng() % 4 == 0) field.assign(static_cast<size_t>(len), ' ');
+    // The reference: the field padded to the long path of cm_lftadj.
+    std::string reference = field + std::string(300, ' ');
+    const int32_t want = cm_lftadj(reference.data(), len + 300);
+    std::string in_place = field;
+    ASSERT_EQ(orlo::squeeze_in_place(in_place.data(), len), want) << field;
+    ASSERT_EQ(in_place, reference.substr(0, static_cast<size_t>(len)));
+    std::string prefix = field + std::string(50, ' ');
+    orlo::squeeze_prefix(prefix.data(), len, 50);
+    ASSERT_EQ(prefix.substr(0, 50), reference.substr(0, 50)) << field;
+  }
 }
 
 TEST(FieldRoutines, FailedWorkAreaLeavesFieldUntouched) {

@@ -6,10 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "hkmatch/refdata/reference_store.h"
 #include "support/test_db.h"
 
 namespace {
@@ -174,10 +176,18 @@ std::vector<std::string> run_addresses(int handle, int rounds,
 class GeocoderServiceThreads : public ::testing::TestWithParam<int> {};
 
 // Workers process on instances of their own (half of them through private
-// copies, half in memory mode) while another thread keeps opening, using
-// and closing instances of its own; every worker must see exactly the
-// results of a single-threaded run.
+// copies, half in memory mode), all sharing the reference stores of the
+// sample files, while two more threads keep opening, using and closing
+// instances: of the same files, and of a copy of them (other files, so
+// another store). Every worker must see exactly the results of a
+// single-threaded run, and the last close frees every store.
 TEST_P(GeocoderServiceThreads, ProcessingRacesWithOpensClosesAndPrivateCopies) {
+  const orlo::StoreCounts stores_before = orlo::store_counts();
+  const std::string copy_dir = orlo::testing::make_temp_dir();
+  for (const char *f : {"/LEVEL1", "/LEVEL2", "/BASEDATA"}) {
+    std::filesystem::copy_file(orlo::testing::sample_db_dir() + f,
+                               copy_dir + f);
+  }
   Call c;
   int ref = open_one(c);
   const std::vector<std::string> expected = run_addresses(ref, 20, "P");
@@ -200,19 +210,29 @@ TEST_P(GeocoderServiceThreads, ProcessingRacesWithOpensClosesAndPrivateCopies) {
       if (run_addresses(handles[i], 20, type) != expected) ++mismatches;
     });
   }
-  threads.emplace_back([&] {
-    while (!stop) {
-      Call mine;
-      int h = open_one(mine, "LM");
-      run_addresses(h, 1, "P");
-      close_one(h);
-    }
-  });
+  for (const std::string &dir : {orlo::testing::sample_db_dir(), copy_dir}) {
+    threads.emplace_back([&, dir] {
+      while (!stop) {
+        Call mine;
+        mine.l1 = dir + "/LEVEL1", mine.l2 = dir + "/LEVEL2";
+        mine.bd = dir + "/BASEDATA";
+        int h = open_one(mine, "LM");
+        if (run_addresses(h, 1, "P") !=
+            std::vector<std::string>(expected.begin(),
+                                     expected.begin() + kAddresses.size())) {
+          ++mismatches;
+        }
+        close_one(h);
+      }
+    });
+  }
   for (int i = 0; i < kWorkers; ++i) threads[i].join();
   stop = true;
-  threads.back().join();
+  for (size_t i = kWorkers; i < threads.size(); ++i) threads[i].join();
   EXPECT_EQ(mismatches.load(), 0);
   for (int h : handles) close_one(h);
+  EXPECT_EQ(orlo::store_counts().stores, stores_before.stores);
+  std::filesystem::remove_all(copy_dir);
 }
 
 INSTANTIATE_TEST_SUITE_P(Workers, GeocoderServiceThreads,

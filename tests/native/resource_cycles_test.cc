@@ -2,9 +2,11 @@
 // descriptor behind (and, under the sanitizer build, no leaked byte).
 #include <dirent.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <string>
 
+#include "hkmatch/refdata/reference_store.h"
 #include "native/geocoder_service.h"
 #include "support/test_db.h"
 
@@ -47,9 +49,13 @@ TEST(ResourceCycles, TenThousandCyclesLeaveNoDescriptorOpen) {
   cycle(0, db);  // warm up whatever the first call opens once
   const int before = open_descriptors();
   ASSERT_GT(before, 0);
+  const size_t heap_before = mallinfo2().uordblks;
   for (int i = 0; i < 10000; ++i) cycle(i, db);
   EXPECT_EQ(open_descriptors(), before);
   EXPECT_FALSE(orlo::native::handle_in_use(0));
+  EXPECT_EQ(orlo::store_counts().stores, 0);
+  // The heap is where it was: every store went with its last instance.
+  EXPECT_LT(mallinfo2().uordblks, heap_before + 64 * 1024);
 }
 
 }  // namespace
