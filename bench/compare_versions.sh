@@ -50,22 +50,23 @@ for seed in 1 2 3; do
   if [[ ! -f $db/BASEDATA ]]; then
     step "database $seed: $records records"
     mkdir -p "$db"
-    "$new/hkdb" generate --records "$records" --seed "$seed" --out "$db/ref.csv"
+    "$new/hkdb" generate --records "$records" --seed "$seed" \
+      --out "$db/ref.csv" 2>/dev/null
     "$new/hkdb" build "$db/ref.csv" "$db" --date 20261101 >/dev/null
     if [[ $seed == 3 ]]; then
       /usr/bin/python3 bench/scramble_streets.py "$db" "$seed"
     fi
     "$new/hkaddrgen" --reference "$db/ref.csv" --count "$addresses" \
-      --seed "$seed" --out "$db/addresses.csv"
+      --seed "$seed" --out "$db/addresses.csv" 2>/dev/null
   fi
   step "database $seed: $base_rev"
   "$base/hkgeocode" --quiet --db "$db" --out "$db/base.csv" \
-    "$db/addresses.csv"
+    "$db/addresses.csv" 2>"$db/base.log"
   for run in "1 " "2 " "1  M" "2  M"; do
     threads=${run%% *} options=${run#* }
     out=$db/new-$threads${options:+-memory}.csv
     "$new/hkgeocode" --quiet --db "$db" --threads "$threads" \
-      --options "$options" --out "$out" "$db/addresses.csv"
+      --options "$options" --out "$out" "$db/addresses.csv" 2>"${out%.csv}.log"
     if cmp -s "$db/base.csv" "$out"; then
       echo "database $seed, $threads worker(s), options '$options': identical ($(wc -l <"$out") lines)"
     else
