@@ -5,9 +5,13 @@
 # database of ORLO_BENCH_RECORDS records (1,000,000 by default) under /tmp,
 # and measures:
 #   - m_street comparisons per second, input cache hit and miss;
+#   - hk_pad + hk_mpro records per second: exact, fuzzy and realistic mixes
+#     in random and in sorted order, file and memory mode;
 #   - hk_mtci "P" records per second: exact, fuzzy, realistic and region-blank
 #     mixes, file and memory mode, 1 and 2 threads;
-#   - open time and heap per instance in both modes;
+#   - open time (first open, and an open of files another instance holds)
+#     and heap per instance in both modes; the resident memory of 200
+#     instances of the same files;
 #   - the JNI call overhead (native process from Java against hk_mtci from C);
 #   - hkgeocode on generated addresses, 1 and 2 workers, both modes, with its
 #     elapsed time and peak memory.
@@ -32,11 +36,11 @@ case "${1:-}" in
 esac
 
 records=${ORLO_BENCH_RECORDS:-1000000}
-addresses=${ORLO_BENCH_ADDRESSES:-200000}
+addresses=${ORLO_BENCH_ADDRESSES:-1000000}
 min_time=2
 jni_calls=1000000
 if ((quick)); then
-  min_time=0.05 jni_calls=20000 addresses=2000
+  min_time=0.05 jni_calls=20000 addresses=20000
 fi
 export ORLO_BENCH_RECORDS=$records
 db=/tmp/orlo-search-bench-$records
@@ -51,7 +55,7 @@ scripts/setup.sh >/dev/null
 command -v /usr/bin/time >/dev/null || apt-get install -y -qq time >/dev/null
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$build" -j"$(nproc)" --target hkaddrgen hkgeocode \
-  street_compare_benchmark call_benchmark orloHKGeocoder \
+  street_compare_benchmark search_benchmark call_benchmark orloHKGeocoder \
   orloHKGeocoderBenchJar >/dev/null
 
 step "m_street"
@@ -59,6 +63,11 @@ step "m_street"
   --benchmark_filter='BM_StreetMatcherPattern|BM_StreetFreshPairs' \
   --benchmark_min_time="$min_time" --benchmark_format=json \
   --benchmark_out="$out/street.json" >/dev/null
+
+step "hk_pad + hk_mpro: random and sorted order" \
+  "(the first run generates the $records-record database in $db)"
+"$build"/bench/search_benchmark --benchmark_min_time="$min_time" \
+  --benchmark_format=json --benchmark_out="$out/search.json" >/dev/null
 
 step "hk_mtci: open, memory per instance, records per second" \
   "(the first run generates the $records-record database in $db)"

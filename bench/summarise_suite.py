@@ -2,9 +2,9 @@
 """Prints the summary of a performance suite run (bench/run_suite.sh).
 
 Usage: bench/summarise_suite.py OUT_DIR ADDRESSES
-Reads street.json and call.json (Google Benchmark), jni.txt and
-hkgeocode.txt from OUT_DIR; checks the suite's targets (2 threads at least
-1.8 times one, memory mode not slower than file mode) and says which hold.
+Reads street.json, search.json and call.json (Google Benchmark), jni.txt
+and hkgeocode.txt from OUT_DIR; checks the suite's targets and says which
+hold.
 """
 import json
 import os
@@ -62,6 +62,43 @@ def process_lines(call, checks):
     return lines
 
 
+SEARCH_MIXES = ["exact", "fuzzy", "realistic"]
+
+
+def search_lines(search, checks):
+    lines = ["hk_pad + hk_mpro, records per second of CPU time:",
+             f"  {'mix':<11}{'mode':<8}{'random':>10}{'sorted':>10}{'ratio':>7}"]
+    for mix, label in enumerate(SEARCH_MIXES):
+        for memory, mode in ((0, "file"), (1, "memory")):
+            rand = per_second(search[f"BM_Search/memory:{memory}/mix:{mix}/sorted:0"])
+            sort = per_second(search[f"BM_Search/memory:{memory}/mix:{mix}/sorted:1"])
+            ratio = rand / sort if sort else 0.0
+            lines.append(f"  {label:<11}{mode:<8}{rand:>10,.0f}{sort:>10,.0f}{ratio:>7.2f}")
+            checks.append((f"random order >= 0.8 x sorted ({label}, {mode})", ratio >= 0.8))
+    exact = per_second(search["BM_Search/memory:1/mix:0/sorted:0"])
+    real = per_second(search["BM_Search/memory:1/mix:2/sorted:0"])
+    checks.append(("search exact, random order >= 300,000 /s (memory mode)", exact >= 3e5))
+    checks.append(("search realistic, random order >= 100,000 /s (memory mode)",
+                   real >= 1e5))
+    return lines
+
+
+def store_lines(call, checks):
+    lines = []
+    for memory, mode in ((0, "file"), (1, "memory")):
+        shared = call[f"BM_OpenShared/memory:{memory}"]
+        ms = shared["real_time"] * {"ns": 1e-6, "us": 1e-3, "ms": 1}[shared["time_unit"]]
+        many = call[f"BM_ManyInstances/memory:{memory}/iterations:1"]
+        lines.append(f"second open, {mode} mode: {ms:.3f} ms; 200 instances after 1,000 "
+                     f"records each: {many['rss_added_MB']:.0f} MB resident added, "
+                     f"{many['rss_total_MB']:.0f} MB in all")
+        checks.append((f"second open <= 1 ms ({mode})", ms <= 1.0))
+        limit = 1024 if memory else 256
+        checks.append((f"200 instances <= {limit} MB resident ({mode})",
+                       many["rss_total_MB"] <= limit))
+    return lines
+
+
 def instance_lines(call):
     lines = []
     for memory, mode in ((0, "file"), (1, "memory")):
@@ -74,7 +111,7 @@ def instance_lines(call):
     return lines
 
 
-def jni_lines(call, out_dir):
+def jni_lines(call, out_dir, checks):
     text = open(os.path.join(out_dir, "jni.txt")).read()
     lines = []
     for memory, mode in ((0, "file"), (1, "memory")):
@@ -86,12 +123,14 @@ def jni_lines(call, out_dir):
         c_ns = c["cpu_time"] * {"ns": 1, "us": 1e3, "ms": 1e6}[c["time_unit"]]
         lines.append(f"JNI, {mode} mode, region-blank call: Java {java_ns:,.0f} ns, "
                      f"C {c_ns:,.0f} ns: overhead {java_ns - c_ns:,.0f} ns a call")
+        checks.append((f"JNI overhead <= 500 ns a call ({mode})", java_ns - c_ns <= 500))
     lines += ["  " + l for l in text.splitlines() if "exact" in l]
     return lines
 
 
-def hkgeocode_lines(out_dir, addresses):
+def hkgeocode_lines(out_dir, addresses, checks):
     lines = [f"hkgeocode, {addresses} generated addresses:"]
+    rates = {}
     for line in open(os.path.join(out_dir, "hkgeocode.txt")):
         m = re.match(r"threads=(\d+) options='(.*)' elapsed=([\d.]+) peak_kb=(\d+)", line)
         if not m:
@@ -99,18 +138,26 @@ def hkgeocode_lines(out_dir, addresses):
         threads, options, elapsed, peak = m.groups()
         mode = "memory" if "M" in options else "file"
         rate = int(addresses) / max(float(elapsed), 1e-3)
+        rates[(threads, mode)] = rate
         lines.append(f"  {threads} worker(s), {mode:<6} mode: {float(elapsed):7.1f} s, "
                      f"{rate:>9,.0f} records/s, peak RSS {int(peak) / 1024:.1f} MB")
+    for mode in ("file", "memory"):
+        one, two = rates.get(("1", mode), 0), rates.get(("2", mode), 0)
+        checks.append((f"hkgeocode 1 worker >= 100,000 records/s ({mode})", one >= 1e5))
+        checks.append((f"hkgeocode 2 workers >= 1.9 x 1 worker ({mode})",
+                       one > 0 and two / one >= 1.9))
     return lines
 
 
 def main():
     out_dir, addresses = sys.argv[1], sys.argv[2]
     street = load(os.path.join(out_dir, "street.json"))
+    search = load(os.path.join(out_dir, "search.json"))
     call = load(os.path.join(out_dir, "call.json"))
     checks = []
-    sections = [street_lines(street), process_lines(call, checks), instance_lines(call),
-                jni_lines(call, out_dir), hkgeocode_lines(out_dir, addresses)]
+    sections = [street_lines(street), search_lines(search, checks),
+                process_lines(call, checks), instance_lines(call), store_lines(call, checks),
+                jni_lines(call, out_dir, checks), hkgeocode_lines(out_dir, addresses, checks)]
     for s in sections:
         print("\n".join(s))
         print()
