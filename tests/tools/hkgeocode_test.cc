@@ -207,6 +207,13 @@ TEST_F(Hkgeocode, FixedRecordsAreWhatTheMatcherAnswers) {
             "E" + std::string(HKOUTREC_SIZE - 1, ' '));
   EXPECT_TRUE(has(r.err, "in.dat:record 5: byte 0x00 at position 31")) << r.err;
   EXPECT_TRUE(has(r.err, "in.dat:record 6: short record of 5 bytes")) << r.err;
+  // A text file given as records is told apart by its byte-order mark.
+  ToolRun text = run_fixed("\xEF\xBB\xBF" + good[0].substr(3));
+  EXPECT_EQ(text.status, 1);
+  EXPECT_TRUE(has(text.err,
+                  "record 1: the input starts with a byte-order "
+                  "mark, as text files do"))
+      << text.err;
 }
 
 // Each bad row is reported with its line, counted, and written with E, its
