@@ -6,6 +6,9 @@ function(orlo_java_codes header output)
   file(READ ${header} text)
   string(REPLACE "\\\n" " " text "${text}")
   string(REGEX REPLACE "[ \t\n]+" " " text "${text}")
+  # A semicolon would split CMake's lists of rows: it travels as a
+  # placeholder and comes back in the Java source.
+  string(REPLACE ";" "<SEMICOLON>" text "${text}")
   set(constants "")
   set(returns "")
   set(statuses "")
@@ -57,5 +60,6 @@ ${statuses}      default: return null;
   }
 }
 ")
+  string(REPLACE "<SEMICOLON>" ";" source "${source}")
   file(CONFIGURE OUTPUT ${output} CONTENT "${source}" @ONLY)
 endfunction()

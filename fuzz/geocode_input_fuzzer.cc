@@ -1,8 +1,10 @@
 // The batch geocoder's input reader on arbitrary bytes: the first byte
-// chooses CSV or raw 200-byte records, the rest is the input file. Every row
-// read is either a 200-byte record of printable ASCII or a bad row with a
-// reason; a good CSV row has its nine fields, each standing in the record as
-// it was given; rows come in input order.
+// chooses raw 200-byte records, CSV placed as given (--raw) or CSV tidied
+// by the input normalisation; the rest is the input file. Every row read is
+// either a good 200-byte record or a bad row with a reason; rows come in
+// input order. A raw or as-given record is printable ASCII and an as-given
+// CSV row has its nine fields, each standing in the record as it was given;
+// a tidied record holds no control byte and no lower-case ASCII letter.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -40,8 +42,18 @@ void check_placement(const InputRow &row) {
   }
 }
 
-void check_row(const InputRow &row, bool fixed, long previous_line) {
-  if (!row.bad()) {
+void check_tidied(const std::string &rec) {
+  if (rec.size() != HKINREC_SIZE) __builtin_trap();
+  for (unsigned char c : rec) {
+    if (c < 0x20 || (c >= 0x7F && c <= 0x9F) || (c >= 'a' && c <= 'z'))
+      __builtin_trap();
+  }
+}
+
+void check_row(const InputRow &row, bool fixed, bool raw, long previous_line) {
+  if (!row.bad() && !fixed && !raw) {
+    check_tidied(row.record);
+  } else if (!row.bad()) {
     check_record(row.record);
     if (!fixed) {
       if (row.fields.size() != 9) __builtin_trap();
@@ -57,13 +69,14 @@ void check_row(const InputRow &row, bool fixed, long previous_line) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   if (size == 0) return 0;
   bool fixed = data[0] & 1;
+  bool raw = data[0] & 2;
   std::string text(reinterpret_cast<const char *>(data) + 1, size - 1);
   // fmemopen cannot open an empty buffer; an empty input is /dev/null.
   std::FILE *in = text.empty() ? std::fopen("/dev/null", "r")
                                : fmemopen(text.data(), text.size(), "r");
   if (in == nullptr) return 0;
   {
-    RowSource source(in, fixed);
+    RowSource source(in, fixed, raw);
     std::string error;
     if (!source.start(&error)) {
       if (error.empty() || fixed) __builtin_trap();
@@ -72,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
       long line = 0;
       while (source.read_batch(7, &rows) > 0) {
         for (const InputRow &row : rows) {
-          check_row(row, fixed, line);
+          check_row(row, fixed, raw, line);
           line = row.line;
         }
         rows.clear();

@@ -12,48 +12,48 @@
 /* clang-format off */
 #define ORLO_RETURN_CODES(X)                                                  \
   X(HKRC_OK, '0', NULL,                                                       \
-    "processed, no reference address written")                               \
+    "processed: no reference address written (the match status says why)")   \
   X(HKRC_REFERENCE, '1', NULL,                                                \
-    "reference address written")                                              \
+    "processed: a reference address was chosen (written unless the match status is 5)") \
   X(HKRC_CALL_TYPE, '2', "QMV-INVALID DEMATCH CALL TYPE                    ", \
-    "invalid call type")                                                      \
+    "invalid call type: the first character is none of O, P, D, R, C")       \
   X(HKRC_STORAGE, '3', "QMV-INSUFFICIENT STORAGE AVAILABLE HKMATCH       ",   \
-    "insufficient storage")                                                   \
+    "out of memory: the index, the files held in memory or the search's buffers could not be allocated") \
   X(HKRC_LEVEL2_SEEK, '4', "QMV-LEVEL2 SEEK ERROR HKMATCH                    ", \
-    "LEVEL2 seek error")                                                      \
+    "LEVEL2 could not be read where its index points: the file is damaged or cut short") \
   X(HKRC_BASEDATA_SEEK, '5',                                                  \
     "QMV-BASEDATASEEK ERROR HKMATCH                   ",                      \
-    "BASEDATA seek error")                                                    \
+    "BASEDATA could not be read where LEVEL2 points: the file is damaged or cut short") \
   X(HKRC_BASEDATA_OPEN, '6',                                                  \
     "QMV-BAD OPEN ON BASEDATA HKMATCH                 ",                      \
-    "BASEDATA or extract file cannot be opened")                              \
+    "BASEDATA (or the extract file) cannot be opened: no path, no such file or no permission") \
   X(HKRC_LEVEL1_OPEN, '7', "QMV-BAD OPEN ON LEVEL1 HKMATCH                   ", \
-    "LEVEL1 cannot be opened")                                                \
+    "LEVEL1 cannot be opened: no path, no such file or no permission")       \
   X(HKRC_LEVEL2_OPEN, '8', "QMV-BAD OPEN ON LEVEL2 HKMATCH                   ", \
-    "LEVEL2 cannot be opened")                                                \
+    "LEVEL2 cannot be opened: no path, no such file or no permission")       \
   X(HKRC_NOT_OPEN, 'A', NULL,                                                 \
-    "instance not open")                                                      \
+    "the instance is not open (never opened, its open failed, or closed)")   \
   X(HKRC_NO_SLOT, 'L', NULL,                                                  \
     "no free geocoder slot: 200 instances are open")                          \
   X(HKRC_OPEN_FAILED, 'X', NULL,                                              \
-    "a failure escaped during openGeocoder")                                  \
+    "internal failure caught at the Java boundary during openGeocoder")       \
   X(HKRC_PROCESS_FAILED, 'Y', NULL,                                           \
-    "a failure escaped during process or minProcess")                         \
+    "internal failure or bad argument caught at the Java boundary during process or minProcess") \
   X(HKRC_CLOSE_FAILED, 'Z', NULL,                                             \
-    "a failure escaped during closeGeocoder")                                 \
+    "internal failure caught at the Java boundary during closeGeocoder")      \
   X(HKRC_ERRMSG_FAILED, 'W', NULL,                                            \
-    "a failure escaped during getErrorMsg")                                   \
+    "internal failure caught at the Java boundary during getErrorMsg")        \
   X(HKRC_COPY_FAILED, 'V', NULL,                                              \
-    "a failure escaped during copyFields")
+    "internal failure or bad argument caught at the Java boundary during copyFields")
 
 #define ORLO_MATCH_STATUSES(X)                                                \
-  X(HKMS_NONE, ' ', "no candidate judged")                                    \
-  X(HKMS_ACCEPTED, '0', "candidate accepted")                                 \
-  X(HKMS_NO_KEY, '1', "no region key")                                        \
-  X(HKMS_NO_STREET, '2', "no candidate street")                               \
-  X(HKMS_PREMISE, '3', "rejected on premise or unit number")                  \
-  X(HKMS_REJECTED, '4', "rejected on building name or below threshold")       \
-  X(HKMS_TIE, '5', "tie between different references")
+  X(HKMS_NONE, ' ', "blank: no candidate was judged")                         \
+  X(HKMS_ACCEPTED, '0', "accepted: the reference address is written")         \
+  X(HKMS_NO_KEY, '1', "no region key: the region is empty or not a key of the reference index (HK, KLN, NT), or the record mode is F") \
+  X(HKMS_NO_STREET, '2', "no street of the region is like the street given")  \
+  X(HKMS_PREMISE, '3', "the nearest reference address was rejected on its premise number or its floor or unit") \
+  X(HKMS_REJECTED, '4', "the nearest reference address was rejected on its building name, or none scored high enough") \
+  X(HKMS_TIE, '5', "ambiguous: several equally good reference addresses with different references; none written")
 /* clang-format on */
 
 /* The codes by name: HKRC_* return codes, HKMS_* match statuses. C++ sees

@@ -3,9 +3,100 @@
  * A geocoder instance is an HKMCB reached through word 0 of a 16-byte
  * HKHANDLE. Every call goes through hk_mtci; the other routines are exported
  * for callers and tools that need a single step of the work. Records are the
- * fixed-width byte arrays of orlo_records.h. Unless a routine says otherwise,
- * one instance serves one call at a time; different instances may be used
- * from different threads at once. */
+ * fixed-width byte arrays of orlo_records.h; return codes and match statuses
+ * are named in orlo_codes.h. Unless a routine says otherwise, one instance
+ * serves one call at a time; different instances may be used from different
+ * threads at once.
+ *
+ * The matcher compares bytes: give it upper-case text and the region as its
+ * key ("HK", "KLN", "NT"), or build the record from what people wrote with
+ * orlo_norm_address (orlo_normalise.h).
+ *
+ * A close ("C") writes the address accuracy statement unless its option
+ * string starts with 'L' (or 'W', 'R', 'X'; see hk_mtci); when the report
+ * file cannot be created, the page goes to standard output. So a close that
+ * must print nothing passes "L".
+ *
+ * Example: two instances opened (as two workers would), one address
+ * processed, one instance closed without the statement and the other with
+ * it written to a file. Build it with
+ * "cc example.c -I include -L build/release -lorloHKGeocoder" and run it
+ * with the database folder (the build tests compile and run this text):
+ *
+ * ---- example ----
+ * #include <stdio.h>
+ * #include <string.h>
+ *
+ * #include "orlo_codes.h"
+ * #include "orlo_matcher.h"
+ *
+ * static char level1[512], level2[512], basedata[512];
+ * static char namelist[30000], reclist[7500];  // used by listing mode 3 only
+ *
+ * // Opens an instance on the database; byte 0 of out is the return code.
+ * static int open_instance(HKHANDLE *h) {
+ *   char out[HKOUTREC_SIZE];
+ *   memset(h, 0, sizeof *h);
+ *   hk_mtci("O", h, NULL, out, "", NULL, NULL, NULL, NULL, NULL, NULL, NULL,
+ *           NULL, level1, level2, basedata, NULL, NULL);
+ *   if (out[HKOUT_RETCODE_OFF] == HKRC_OK) return 1;
+ *   hk_doem(out);  // e.g. " POSTAL-MATCH_ERROR QMV-BAD OPEN ON LEVEL1 ..."
+ *   return 0;
+ * }
+ *
+ * // Prints a blank-padded field without its padding.
+ * static void print_field(const char *rec, int off, int len) {
+ *   while (len > 0 && rec[off + len - 1] == ' ') --len;
+ *   printf("%.*s", len, rec + off);
+ * }
+ *
+ * int main(int argc, char **argv) {
+ *   const char *dir = argc > 1 ? argv[1] : ".";
+ *   const char *report = argc > 2 ? argv[2] : "statement.txt";
+ *   snprintf(level1, sizeof level1, "%s/LEVEL1", dir);
+ *   snprintf(level2, sizeof level2, "%s/LEVEL2", dir);
+ *   snprintf(basedata, sizeof basedata, "%s/BASEDATA", dir);
+ *
+ *   HKHANDLE h, other;
+ *   if (!open_instance(&h) || !open_instance(&other)) return 1;
+ *
+ *   // One address: fixed-width fields, blank-padded, in upper case.
+ *   char in[HKINREC_SIZE], out[HKOUTREC_SIZE];
+ *   memset(in, ' ', sizeof in);
+ *   memcpy(in + HKIN_PREMNO_OFF, "22", 2);
+ *   memcpy(in + HKIN_STREET_OFF, "CASTLE PEAK ROAD", 16);
+ *   memcpy(in + HKIN_REGION_OFF, "KLN", 3);
+ *   hk_mtci("P", &h, in, out, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL,
+ *           NULL, NULL, NULL, NULL, namelist, reclist);
+ *
+ *   char rc = out[HKOUT_RETCODE_OFF], ms = out[HKOUT_MATCHSTAT_OFF];
+ *   if (rc == HKRC_REFERENCE && ms == HKMS_ACCEPTED) {
+ *     print_field(out, HKOUT_LINE1_OFF, HKOUT_LINE1_LEN);
+ *     printf(" / ");
+ *     print_field(out, HKOUT_LINE2_OFF, HKOUT_LINE2_LEN);
+ *     printf(" (reference %.3s %.5s)\n", out + HKOUT_REFCODE_OFF,
+ *            out + HKOUT_REFID_OFF);
+ *   } else if (rc == HKRC_OK || rc == HKRC_REFERENCE) {
+ *     printf("not matched: match status '%c'\n", ms);  // see orlo_codes.h
+ *   } else {
+ *     hk_doem(out);  // an error: damaged data, out of memory, ...
+ *   }
+ *
+ *   // A close without the statement: options "L".
+ *   hk_mtci("C", &other, NULL, out, "L", NULL, NULL, NULL, NULL, NULL, NULL,
+ *           NULL, NULL, NULL, NULL, NULL, NULL, NULL);
+ *
+ *   // A close with the statement written to `report`, counting the one
+ *   // process call of this instance. A close sets byte 0 only on failure.
+ *   out[HKOUT_RETCODE_OFF] = HKRC_OK;
+ *   hk_mtci("C", &h, NULL, out, "", NULL, "Example run", NULL, NULL, NULL,
+ *           NULL, NULL, report, NULL, NULL, NULL, NULL, NULL);
+ *   if (out[HKOUT_RETCODE_OFF] != HKRC_OK) hk_doem(out);
+ *   printf("statement written to %s\n", report);
+ *   return 0;
+ * }
+ * ---- end ----
+ */
 #ifndef ORLO_MATCHER_H
 #define ORLO_MATCHER_H
 

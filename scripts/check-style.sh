@@ -9,7 +9,8 @@ cd "$(dirname "$0")/.."
 /usr/bin/python3 scripts/check_layers.py
 
 mapfile -t sources < <(git ls-files -co --exclude-standard -- \
-  'common/*.c' 'common/*.cc' 'compare/*.cc' 'hkmatch/*.cc' 'native/*.cc' 'tools/*.cc')
+  'common/*.c' 'common/*.cc' 'compare/*.cc' 'hkmatch/*.cc' 'normalise/*.cc' \
+  'native/*.cc' 'tools/*.cc')
 ((${#sources[@]})) || exit 0
 cppcheck --quiet --error-exitcode=1 --std=c++20 --language=c++ \
   --enable=warning,performance,portability --inline-suppr \

@@ -22,6 +22,7 @@ MATCHER = ["hkmatch/premise", "hkmatch/refdata", "hkmatch/input",
            "hkmatch/evaluate", "hkmatch/search", "hkmatch/calls"]
 ROOMS = {
     "common": ([], "*"),
+    "normalise": (["common"], []),
     "compare": (["common"], []),
     "hkmatch/premise": (["common"], []),
     "hkmatch/refdata": (["common", "hkmatch/premise"],
@@ -34,10 +35,14 @@ ROOMS = {
     "hkmatch/search": (["common", "compare"] + MATCHER[:4], []),
     "hkmatch/calls": (["common", "compare"] + MATCHER[:5],
                       ["statement_rules.h", "call_args.h"]),
-    "native": (["common", "compare"] + MATCHER, ["geocoder_service.h"]),
-    "tools/lib": (["common", "compare"] + MATCHER, "*"),
-    "tools": (["common", "compare", "tools/lib"] + MATCHER, []),
+    "native": (["common", "compare", "normalise"] + MATCHER,
+               ["geocoder_service.h"]),
+    "tools/lib": (["common", "compare", "normalise"] + MATCHER, "*"),
+    "tools": (["common", "compare", "normalise", "tools/lib"] + MATCHER, []),
 }
+# Public headers that belong to one room: only the rooms that may use it
+# include them (the matcher does not depend on the input normalisation).
+OWNED = {"include/orlo_normalise.h": "normalise"}
 # Rooms above everything: they may include any header of the tree.
 TOP = ("tests", "bench", "fuzz")
 SOURCE = re.compile(r".*\.(c|cc|h)$")
@@ -65,9 +70,17 @@ def resolve(root, path, name):
 
 def violation(src, dst):
     """Why src may not include dst, or None when it may."""
-    if dst.startswith("include/") or src.startswith(TOP):
+    if src.startswith(TOP):
         return None
-    src_room, dst_room = room_of(src), room_of(dst)
+    src_room = room_of(src)
+    if dst in OWNED:
+        owner = OWNED[dst]
+        if src_room in (None, owner) or owner in ROOMS[src_room][0]:
+            return None
+        return f"{src_room} may not use {owner}"
+    if dst.startswith("include/"):
+        return None
+    dst_room = room_of(dst)
     if src_room is None or dst_room is None or src_room == dst_room:
         return None
     uses, _ = ROOMS[src_room]
@@ -114,11 +127,14 @@ def self_test():
         "hkmatch/search/s.h": "",
         "hkmatch/refdata/street_table.h": "",
         "hkmatch/calls/c.cc": '#include "hkmatch/refdata/street_table.h"\n',
+        "include/orlo_normalise.h": "",
+        "tools/t.cc": '#include "orlo_normalise.h"\n',
     }
     wrong = {
         "common/up.cc": '#include "compare/b.h"\n',
         "hkmatch/refdata/r.cc": '#include "hkmatch/search/s.h"\n',
         "native/n.cc": '#include "hkmatch/search/s.h"\n',
+        "hkmatch/input/i.cc": '#include "orlo_normalise.h"\n',
     }
     with tempfile.TemporaryDirectory() as root:
         for path, text in files.items():
@@ -138,8 +154,9 @@ def self_test():
                 print(f"self-test: {path} was not refused alone: {faults}",
                       file=sys.stderr)
                 return 1
-    print("self-test: an upward include, another room's internals and a "
-          "front end reaching past an interface are refused")
+    print("self-test: an upward include, another room's internals, a "
+          "front end reaching past an interface and the matcher using the "
+          "input normalisation are refused")
     return 0
 
 

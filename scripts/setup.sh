@@ -4,7 +4,8 @@
 set -euo pipefail
 
 packages=(cmake make g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev
-          libbenchmark-dev openjdk-17-jdk-headless cppcheck python3)
+          libbenchmark-dev libutf8proc-dev openjdk-17-jdk-headless cppcheck
+          python3)
 missing=()
 for p in "${packages[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then

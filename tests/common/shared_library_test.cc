@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -77,8 +78,9 @@ std::set<std::string> exported_symbols() {
 // before the first '(' on a line that starts a declaration with ORLO_API.
 std::set<std::string> public_routines() {
   std::set<std::string> names;
-  for (const char *h : {"orlo_fields.h", "orlo_matcher.h", "orlo_compare.h"}) {
-    std::ifstream f(std::string(ORLO_SOURCE_DIR) + "/include/" + h);
+  for (const auto &h :
+       std::filesystem::directory_iterator(ORLO_SOURCE_DIR "/include")) {
+    std::ifstream f(h.path());
     std::string line;
     while (std::getline(f, line)) {
       if (line.rfind("ORLO_API", 0) != 0) continue;
@@ -104,7 +106,8 @@ TEST(SharedLibraryExports, OnlyPublicRoutinesAreExported) {
   std::set<std::string> allowed = public_routines();
   for (const std::string &name : exported) {
     bool jni = name == "JNI_OnLoad" ||
-               name.rfind("Java_pkgs_natives_OrloHKGeocoder_", 0) == 0;
+               name.rfind("Java_pkgs_natives_OrloHKGeocoder_", 0) == 0 ||
+               name == "Java_pkgs_natives_Normaliser_normalise";
     EXPECT_TRUE(allowed.count(name) || jni) << "unexpected export " << name;
   }
   for (const char *name :

@@ -89,7 +89,7 @@ TEST_F(HkdbCli, BuildCheckAndDump) {
   EXPECT_TRUE(
       has(checked.out, "2 regions, 2 streets, 2 records; date 20260315; "))
       << checked.out;
-  EXPECT_TRUE(has(checked.out, "0 faults")) << checked.out;
+  EXPECT_TRUE(checked.out.ends_with("; 0 faults\n")) << checked.out;
 
   ToolRun dumped = hkdb("dump " + db);
   ASSERT_EQ(dumped.status, 0) << dumped.err;
@@ -110,7 +110,7 @@ TEST_F(HkdbCli, DamagedDatabaseFailsCheckAndIsNotDumped) {
   EXPECT_EQ(checked.status, 1);
   EXPECT_TRUE(has(checked.out, "BASEDATA offset 8: record length 2"))
       << checked.out;
-  EXPECT_TRUE(has(checked.out, "1 faults")) << checked.out;
+  EXPECT_TRUE(checked.out.ends_with("; 1 fault\n")) << checked.out;
 
   ToolRun dumped = hkdb("dump " + db + " --out " + path("dump.csv"));
   EXPECT_EQ(dumped.status, 1);
@@ -133,6 +133,81 @@ TEST_F(HkdbCli, GenerateIsDeterministic) {
   ASSERT_EQ(b.status, 0);
   EXPECT_TRUE(b.out.empty());
   EXPECT_EQ(read_file(path("g.csv")), a.out);
+}
+
+// Rows the front ends could never use are refused with their line and
+// field; lower case is folded and exact repeats are dropped, each with one
+// warning.
+TEST_F(HkdbCli, BuildRefusesUnusableRowsAndWarnsOfWhatItTidies) {
+  struct Case {
+    const char *row;
+    const char *fault;  // after "bad.csv line 2, field "
+  } cases[] = {
+      {"KOWLOON,A,,,,,,1,,,,", "region: \"KOWLOON\" is not a region key"},
+      {"HK,A,,,,X,,1,,,,", "parity: is \"X\"; the side of the street"},
+      {"HK,A,,,,,,30,,12,,", "low: 30 is above the high number 12"},
+      {"HK,A,AB,,,,,1,,,,", "refcode: \"AB\" is not 3 letters or digits"},
+      {"HK,A,A-B,,,,,1,,,,", "refcode: \"A-B\" is not 3 letters"},
+      {"HK,A,,1234,,,,1,,,,", "refid: \"1234\" is not 5 letters or digits"},
+  };
+  std::string out = make_dir("out");
+  for (const Case &c : cases) {
+    write_file(path("bad.csv"), kRefHeader + c.row + "\n");
+    ToolRun r = hkdb("build " + path("bad.csv") + " " + out);
+    EXPECT_EQ(r.status, 1) << c.row;
+    EXPECT_TRUE(has(r.err, path("bad.csv") + " line 2, field " + c.fault))
+        << r.err;
+    EXPECT_TRUE(std::filesystem::is_empty(out)) << c.row;
+  }
+  write_file(path("any.csv"), kRefHeader + "KOWLOON,A,,,,,,1,,,,\n");
+  EXPECT_EQ(
+      hkdb("build " + path("any.csv") + " " + out + " --any-region").status, 0);
+
+  write_file(path("ref.csv"), kRefHeader +
+                                  "kln,nathan road,tst,00001,,e,,2,,88,,\n"
+                                  "HK,A ST,,,,,,1,,,,\n"
+                                  "KLN,NATHAN ROAD,TST,00001,,E,,2,,88,,\n"
+                                  "Hk,a st,,,,,,1,,,,\n"
+                                  "HK,A ST,,,,,,3,,,,\n");
+  ToolRun built = hkdb("build " + path("ref.csv") + " " + out);
+  ASSERT_EQ(built.status, 0) << built.err;
+  EXPECT_TRUE(has(built.err,
+                  "warning: 2 rows had lower-case letters, folded to upper "
+                  "case (the first on line 2)\n"))
+      << built.err;
+  EXPECT_TRUE(has(built.err,
+                  "warning: 2 rows repeated an earlier row exactly and were "
+                  "left out: line 4 repeats line 2, line 5 repeats line 3\n"))
+      << built.err;
+  EXPECT_TRUE(has(built.out, "5 rows (2 left out), 2 regions, 2 streets"))
+      << built.out;
+  EXPECT_TRUE(has(hkdb("check " + out).out, "3 records;"));
+}
+
+// A BASEDATA cut short after its date: one fault of its length and one per
+// street, at most ten lines of each kind unless --all.
+TEST_F(HkdbCli, CheckGroupsFaultsByKindAndShowsTenOfEach) {
+  std::string db = make_dir("cut");
+  for (const char *file : {"LEVEL1", "LEVEL2", "BASEDATA"})
+    std::filesystem::copy_file(sample_db_dir() + "/" + file, db + "/" + file);
+  std::filesystem::resize_file(db + "/BASEDATA", 8);
+  for (bool all : {false, true}) {
+    ToolRun r = hkdb("check " + db + (all ? " --all" : ""));
+    EXPECT_EQ(r.status, 1);
+    size_t lines = 0, listed = 0;
+    for (char c : r.out) lines += c == '\n';
+    for (size_t at = 0; (at = r.out.find("\n  ", at)) != std::string::npos;
+         ++at)
+      ++listed;
+    EXPECT_EQ(listed, all ? 594u : 11u) << r.out;
+    EXPECT_EQ(lines, listed + 3) << r.out;  // two headings and the summary
+    EXPECT_TRUE(has(r.out, "file lengths: 1 fault\n")) << r.out;
+    EXPECT_TRUE(has(r.out, all ? "blocks outside BASEDATA: 593 faults\n"
+                               : "blocks outside BASEDATA: 593 faults, the "
+                                 "first 10 (--all shows every one)\n"))
+        << r.out;
+    EXPECT_TRUE(r.out.ends_with("BASEDATA 8 bytes; 594 faults\n")) << r.out;
+  }
 }
 
 }  // namespace

@@ -1,14 +1,19 @@
 // hkgeocode run as a program: its output against a golden file, the same
 // output with several threads, fixed records against direct matcher calls,
-// every kind of bad row, the statement, and the exit codes.
+// the sample addresses as people spell them, every kind of bad row, the
+// statement, the legend, and the exit codes.
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cstdio>
+#include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "lib/csv_reader.h"
+#include "lib/csv_writer.h"
 #include "orlo_matcher.h"
 #include "support/file_util.h"
 #include "support/test_db.h"
@@ -107,10 +112,14 @@ TEST_F(Hkgeocode, HelpAndUsageErrors) {
   EXPECT_EQ(run_csv(kHeader, "--table --fixed").status, 2);
 }
 
-TEST_F(Hkgeocode, UnusableFilesAndDatabaseGive2) {
+TEST_F(Hkgeocode, UnusableFilesGive2AndAMissingDatabase3) {
   write_file(path("in.csv"), kHeader);
   ToolRun no_db = run("--db " + dir_ + "/nowhere " + path("in.csv"));
-  EXPECT_EQ(no_db.status, 2);
+  EXPECT_EQ(no_db.status, 3);
+  EXPECT_TRUE(no_db.err.starts_with(
+      "hkgeocode: cannot open the reference database " + dir_ +
+      "/nowhere: BASEDATA (or the extract file) cannot be opened"))
+      << no_db.err;
   EXPECT_TRUE(has(no_db.err, " POSTAL-MATCH_ERROR QMV-BAD OPEN ON BASEDATA"))
       << no_db.err;
 
@@ -126,6 +135,9 @@ TEST_F(Hkgeocode, UnusableFilesAndDatabaseGive2) {
   EXPECT_EQ(bad_header.status, 2);
   EXPECT_TRUE(has(bad_header.err, "line 1")) << bad_header.err;
   EXPECT_EQ(run_csv("").status, 2);
+  ToolRun utf16 = run_csv("\xFF\xFEr\0e\0");
+  EXPECT_EQ(utf16.status, 2);
+  EXPECT_TRUE(has(utf16.err, "the input is UTF-16 text")) << utf16.err;
 }
 
 // A header and no rows is a valid empty run, not an error.
@@ -195,57 +207,89 @@ TEST_F(Hkgeocode, FixedRecordsAreWhatTheMatcherAnswers) {
             "E" + std::string(HKOUTREC_SIZE - 1, ' '));
   EXPECT_TRUE(has(r.err, "in.dat:record 5: byte 0x00 at position 31")) << r.err;
   EXPECT_TRUE(has(r.err, "in.dat:record 6: short record of 5 bytes")) << r.err;
+  // A text file given as records is told apart by its byte-order mark.
+  ToolRun text = run_fixed("\xEF\xBB\xBF" + good[0].substr(3));
+  EXPECT_EQ(text.status, 1);
+  EXPECT_TRUE(has(text.err,
+                  "record 1: the input starts with a byte-order "
+                  "mark, as text files do"))
+      << text.err;
 }
 
+// Each bad row is reported with its line, counted, and written with E, its
+// reason and its fields exactly as read; tidied (default) and placed as
+// given (--raw), the same rows fail for the reasons of each way.
 TEST_F(Hkgeocode, EveryKindOfBadRowIsReportedCountedAndWritten) {
+  struct Case {
+    std::string row;
+    const char *tidied;  // the reason by default; nullptr: a good row
+    const char *raw;     // the reason with --raw
+  } cases[] = {
+      {",1,CASTLE PEAK ROAD,,,,,NT,", nullptr, nullptr},
+      {",12,NATHAN ROAD,,,,,KLN", "expected 9 fields, found 8",
+       "expected 9 fields, found 8"},
+      {",12,NATHAN ROAD,,,,,KLN,,", "expected 9 fields, found 10",
+       "expected 9 fields, found 10"},
+      {",123456789,NATHAN ROAD,,,,,KLN,",
+       "premno: 9 characters after tidying, at most 8",
+       "premno: 9 characters, at most 8"},
+      {",1,NATHAN ROAD,," + std::string(31, 'U') + ",,,KLN,",
+       "unit: 31 characters after tidying, at most 30",
+       "unit: 31 characters, at most 30"},
+      {",1,NATHAN ROAD,,  12/F  " + std::string(26, 'U') + ",,,KLN,",
+       "unit: 31 characters after tidying, at most 30",
+       "unit: 34 characters, at most 30"},
+      {",1,NATHAN" + std::string(1, '\0') + "ROAD,,,,,KLN,",
+       "street: control character U+0000 at character 7",
+       "street: byte 0x00 at position 7 is not printable text"},
+      {",1,NATHAN ROAD,A\tB,,,,KLN,", nullptr,
+       "building: byte 0x09 at position 2 is not printable text"},
+      {",1,NATHAN ROAD,,,,\xE4\xB9\x9D,KLN,",
+       "district: '\xE4\xB9\x9D' (U+4E5D) has no Latin-1 form; write the "
+       "address in English",
+       "district: byte 0xE4 at position 1 is not printable text"},
+      {",1,NATHAN ROAD,,,,CAF\xC9,KLN,", nullptr,
+       "district: byte 0xC9 at position 4 is not printable text"},
+      {"", "expected 9 fields, found 1", "expected 9 fields, found 1"},
+      {",3,\"CANTON ROAD,,,,,KLN,",
+       "malformed CSV (quoted field is not closed before the end of the "
+       "file); the rest of the input is not read",
+       "malformed CSV (quoted field is not closed"},
+  };
   std::string csv = kHeader;
-  csv += ",1,CASTLE PEAK ROAD,,,,,NT,\n";      // 2 good
-  csv += ",12,NATHAN ROAD,,,,,KLN\n";          // 3 too few
-  csv += ",12,NATHAN ROAD,,,,,KLN,,\n";        // 4 too many
-  csv += ",123456789,NATHAN ROAD,,,,,KLN,\n";  // 5 premno too wide
-  csv += ",1,NATHAN ROAD,," + std::string(31, 'U') + ",,,KLN,\n";  // 6
-  csv += ",1,NATHAN" + std::string(1, '\0') + "ROAD,,,,,KLN,\n";   // 7 NUL
-  csv += ",1,NATHAN ROAD,A\tB,,,,KLN,\n";                          // 8 tab
-  csv += ",1,NATHAN ROAD,,,,\xE4\xB9\x9D,KLN,\n";  // 9 not ASCII
-  csv += "\n";                                     // 10 empty line
-  csv += ",2,CANTON ROAD,,,,,KLN,\n";              // 11 good
-  csv += ",3,\"CANTON ROAD,,,,,KLN,\n";            // 12 open quote
-  ToolRun r = run_csv(csv);
-  EXPECT_EQ(r.status, 1);
-  for (const char *message :
-       {"in.csv:3: expected 9 fields, found 8\n",
-        "in.csv:4: expected 9 fields, found 10\n",
-        "in.csv:5: premno: 9 characters, at most 8\n",
-        "in.csv:6: unit: 31 characters, at most 30\n",
-        "in.csv:7: street: byte 0x00 at position 7 is not printable text\n",
-        "in.csv:8: building: byte 0x09 at position 2 is not printable text\n",
-        "in.csv:9: district: byte 0xE4 at position 1 is not printable text\n",
-        "in.csv:10: expected 9 fields, found 1\n",
-        "in.csv:12: malformed CSV (quoted field is not closed before the "
-        "end of the file); the rest of the input is not read\n"})
-    EXPECT_TRUE(has(r.err, message)) << message << r.err;
-  EXPECT_TRUE(has(r.err, "11 records read, 2 processed")) << r.err;
-  EXPECT_TRUE(has(r.err, "matched (match status '0'), 9 bad")) << r.err;
-
-  auto rows = csv_rows(r.out);
-  ASSERT_EQ(rows.size(), 12u);
-  for (size_t i = 1; i < rows.size(); ++i) {
-    SCOPED_TRACE("output line " + std::to_string(i + 1));
-    ASSERT_EQ(rows[i].size(), kColumns);
-    bool good = i == 1 || i == 10;
-    EXPECT_EQ(rows[i][kReturnCode] == "E", !good);
-    if (good) continue;
-    EXPECT_TRUE(rows[i][kReturnMeaning].starts_with("bad input row: "));
-    for (size_t c = kReturnMeaning + 1; c < kColumns; ++c)
-      EXPECT_EQ(rows[i][c], "");
+  for (const Case &c : cases) csv += c.row + "\n";
+  for (bool raw : {false, true}) {
+    SCOPED_TRACE(raw ? "--raw" : "tidied");
+    ToolRun r = run_csv(csv, raw ? "--raw" : "");
+    EXPECT_EQ(r.status, 1);
+    auto rows = csv_rows(r.out);
+    ASSERT_EQ(rows.size(), std::size(cases) + 1);
+    size_t bad = 0;
+    for (size_t i = 0; i < std::size(cases); ++i) {
+      const Case &c = cases[i];
+      const char *why = raw ? c.raw : c.tidied;
+      SCOPED_TRACE(c.row);
+      const std::vector<std::string> &out = rows[i + 1];
+      ASSERT_EQ(out.size(), kColumns);
+      EXPECT_EQ(out[kReturnCode] == "E", why != nullptr);
+      if (why == nullptr) continue;
+      ++bad;
+      std::string line = std::to_string(i + 2);
+      EXPECT_TRUE(has(r.err, "in.csv:" + line + ": " + why)) << r.err;
+      EXPECT_TRUE(
+          has(out[kReturnMeaning], std::string("bad input row: ") + why))
+          << out[kReturnMeaning];
+      for (size_t col = kReturnMeaning + 1; col < kColumns; ++col)
+        EXPECT_EQ(out[col], "");
+    }
+    EXPECT_TRUE(
+        has(r.err, std::to_string(std::size(cases)) + " records read, " +
+                       std::to_string(std::size(cases) - bad) + " processed"))
+        << r.err;
+    // Bad rows repeat what was read, byte for byte.
+    EXPECT_EQ(rows[7][2], std::string("NATHAN\0ROAD", 11));
+    EXPECT_EQ(rows[9][6], "\xE4\xB9\x9D");
   }
-  // Bad rows repeat what was read, unprintable bytes shown as '?'.
-  EXPECT_EQ(rows[2][1], "12");
-  EXPECT_EQ(rows[2][8], "");
-  EXPECT_EQ(rows[4][1], "123456789");
-  EXPECT_EQ(rows[6][2], "NATHAN?ROAD");
-  EXPECT_EQ(rows[7][3], "A?B");
-  EXPECT_EQ(rows[8][6], "???");
 }
 
 // The 30-character unit column is split over out_unit and out_unitext in
@@ -261,13 +305,14 @@ TEST_F(Hkgeocode, UnitLineIsSplitAndJoinedAgain) {
   EXPECT_EQ(rows[1][16], unit) << "out_unit joins out_unit and out_unitext";
 }
 
-TEST_F(Hkgeocode, TableShowsOneAlignedLinePerRow) {
+TEST_F(Hkgeocode, TableShowsOneAlignedLinePerRowAndALegend) {
   ToolRun r = run_csv(kHeader + ",40,NATHAN ROAD,CHUNGKING MANSIONS,,,,KLN,\n" +
-                          ",7,NO SUCH ROAD,,,,,HK,\n" + "too,few\n",
+                          ",7,NO SUCH ROAD,,,,,HK,\n" + "too,few\n" +
+                          ",5,\u4e5d\u9f8d\u9053,,,,,KLN,\n",
                       "--table");
   EXPECT_EQ(r.status, 1) << r.err;
   std::vector<std::string> lines = lines_of(r.out);
-  ASSERT_EQ(lines.size(), 4u) << r.out;
+  ASSERT_GE(lines.size(), 7u) << r.out;
   EXPECT_TRUE(lines[0].starts_with("LINE  ADDRESS AS GIVEN"));
   // Columns line up under the header's RC and MS.
   size_t rc = lines[0].find(" RC ") + 1, ms = lines[0].find(" MS ") + 1;
@@ -284,6 +329,20 @@ TEST_F(Hkgeocode, TableShowsOneAlignedLinePerRow) {
   EXPECT_EQ(lines[2][ms], '2');
   EXPECT_TRUE(has(lines[3], "E     bad input row: expected 9 fields"))
       << lines[3];
+  // Chinese characters are echoed, two columns wide each.
+  EXPECT_TRUE(lines[4].starts_with("5     5 \u4e5d\u9f8d\u9053, KLN" +
+                                   std::string(33, ' ') +
+                                   " E     bad input "
+                                   "row: street: "))
+      << lines[4];
+  // The legend lists the codes that occurred, and only those.
+  EXPECT_EQ(lines[5], "");
+  EXPECT_EQ(lines[6], "RC return code, MS match status:");
+  std::string legend = r.out.substr(r.out.find("RC return code"));
+  for (const char *code : {"RC 0", "RC 1", "RC E", "MS 0", "MS 2"})
+    EXPECT_TRUE(has(legend, "\n  " + std::string(code) + "  ")) << code;
+  for (const char *code : {"RC 5", "MS 1", "MS 5"})
+    EXPECT_FALSE(has(legend, "\n  " + std::string(code) + "  ")) << code;
 }
 
 // A small fixed input against the test database: the whole output, byte for
@@ -334,6 +393,91 @@ TEST_F(Hkgeocode, OptionsThatForbidTheStatementAreHonoured) {
   EXPECT_EQ(r.status, 0);
   EXPECT_EQ(read_file(path("report.txt")), "");
   EXPECT_TRUE(has(r.err, "allow no accuracy statement")) << r.err;
+}
+
+// The sample addresses as people write them: in title case, in lower case,
+// with each region key spelt out and with the regions abbreviated, row for
+// row the same return code, status and result as the file as it stands
+// (upper case, region keys).
+TEST_F(Hkgeocode, SampleInPeoplesSpellingGivesTheSameResults) {
+  auto sample = csv_rows(read_file(kSample));
+  ASSERT_GT(sample.size(), 200u);
+  auto lower = [](std::string s) {
+    for (char &c : s) c = static_cast<char>(std::tolower(c));
+    return s;
+  };
+  auto title = [&](std::string s) {
+    s = lower(s);
+    for (size_t i = 0; i < s.size(); ++i)
+      if (i == 0 || !std::isalpha(static_cast<unsigned char>(s[i - 1])))
+        s[i] = static_cast<char>(std::toupper(s[i]));
+    return s;
+  };
+  auto region = [](const char *hk, const char *kln, const char *nt) {
+    return [=](std::string s) -> std::string {
+      return s == "HK" ? hk : s == "KLN" ? kln : s == "NT" ? nt : s;
+    };
+  };
+  struct Variant {
+    const char *name;
+    std::function<std::string(std::string)> all, region;
+  } variants[] = {
+      {"title case", title, nullptr},
+      {"lower case", lower, nullptr},
+      {"spelt out", nullptr, region("Hong Kong", "Kowloon", "New Territories")},
+      {"abbreviated", nullptr, region("H.K. Island", "Kln.", "N.T.")},
+  };
+  auto results = [&](const std::string &csv_path) {
+    ToolRun r = run("--db " + sample_db_dir() + " " + csv_path);
+    EXPECT_EQ(r.status, 0) << r.err;
+    auto rows = csv_rows(r.out);
+    for (auto &row : rows) row.erase(row.begin(), row.begin() + kReturnCode);
+    return rows;
+  };
+  auto want = results(kSample);
+  size_t accepted = 0;
+  for (const auto &row : want)
+    accepted += row[kMatchStatus - kReturnCode] == "0";
+  EXPECT_GT(accepted, 180u);
+  for (const Variant &v : variants) {
+    SCOPED_TRACE(v.name);
+    std::string csv = kHeader;
+    for (size_t i = 1; i < sample.size(); ++i) {
+      std::vector<std::string> row = sample[i];
+      for (std::string &f : row)
+        if (v.all) f = v.all(f);
+      if (v.region) row[7] = v.region(row[7]);
+      tools::append_csv_row(&csv, row);
+    }
+    write_file(path("variant.csv"), csv);
+    auto got = results(path("variant.csv"));
+    ASSERT_EQ(got.size(), want.size());
+    for (size_t i = 1; i < got.size(); ++i)
+      EXPECT_EQ(got[i], want[i]) << "line " << i + 1;
+  }
+}
+
+// A BASEDATA cut short after its date: most rows fail, the exit status is
+// 4 and one line says why; a byte-order mark before the header is no
+// fault.
+TEST_F(Hkgeocode, DamagedDatabaseExits4WithOneLineReason) {
+  std::string cut = path("cut");
+  std::filesystem::create_directory(cut);
+  for (const char *file : {"LEVEL1", "LEVEL2", "BASEDATA"})
+    std::filesystem::copy_file(sample_db_dir() + "/" + file, cut + "/" + file);
+  std::filesystem::resize_file(cut + "/BASEDATA", 8);
+  write_file(path("in.csv"), "\xEF\xBB\xBF" + read_file(kSample));
+  ToolRun r = run("--db " + cut + " " + path("in.csv"));
+  EXPECT_EQ(r.status, 4);
+  size_t at = r.err.find("hkgeocode: BASEDATA is damaged: ");
+  ASSERT_NE(at, std::string::npos) << r.err;
+  std::string line = r.err.substr(at, r.err.find('\n', at) - at);
+  EXPECT_TRUE(
+      line.ends_with(" of 224 records could not be read; run `hkdb "
+                     "check " +
+                     cut + "`"))
+      << line;
+  EXPECT_GT(std::stol(line.substr(32)), 100) << line;
 }
 
 }  // namespace

@@ -243,14 +243,30 @@ TEST(RefdbCheck, IndexFaultsNameTheirOffsetAndCause) {
                         "not a whole number of 23200-byte units"));
 }
 
-TEST(RefdbCheck, FaultListIsCappedButCounted) {
+// Faults are kept up to the cap for each kind and all counted; a name with
+// bytes that are not printable is shown with them as \xNN.
+TEST(RefdbCheck, FaultsAreCappedPerKindCountedAndPrintable) {
   TestDb db(kCorpusCsv);
   RefdbImages images = images_of(db.dir());
   images.level2.resize(7);  // every segment now lies outside
   images.basedata.resize(9);
-  CheckReport r = check_reference_images(images, 2);
-  EXPECT_EQ(r.faults.size(), 2u);
-  EXPECT_EQ(r.fault_count, 4u) << all_faults(r);
+  CheckReport r = check_reference_images(images, 1);
+  auto count = [&r](FaultKind k) { return r.by_kind[static_cast<size_t>(k)]; };
+  EXPECT_EQ(count(FaultKind::kFileLength), 2u);
+  EXPECT_EQ(count(FaultKind::kSegment), 2u);
+  EXPECT_EQ(r.fault_count, 4u);
+  ASSERT_EQ(r.faults.size(), 2u) << all_faults(r);
+  EXPECT_EQ(r.faults[0].kind, FaultKind::kFileLength);
+  EXPECT_EQ(r.faults[1].kind, FaultKind::kSegment);
+
+  TestDb odd("HK,N\x01\xC9,,,,,,1,,,,\n");
+  images = images_of(odd.dir());
+  images.basedata.resize(8);
+  r = check_reference_images(images);
+  ASSERT_EQ(count(FaultKind::kBlock), 1u) << all_faults(r);
+  EXPECT_NE(all_faults(r).find("street \"N\\x01\\xC9\" of region \"HK\""),
+            std::string::npos)
+      << all_faults(r);
 }
 
 // Random damage to the sample database: the check must stay inside the

@@ -11,17 +11,48 @@ namespace orlo::tools::hkdb {
 namespace {
 
 constexpr const char *kHelp =
-    "Usage: hkdb build CSV OUTDIR [--date TEXT8]\n"
+    "Usage: hkdb build CSV OUTDIR [--date TEXT8] [--any-region]\n"
     "\n"
     "Compiles the reference CSV into LEVEL1, LEVEL2 and BASEDATA in OUTDIR\n"
     "(which must exist). The CSV starts with the header line\n"
     "  region,street,refcode,refid,building,parity,qual1,low,qual2,high,"
     "code9,address\n"
-    "and has one reference record a row. --date sets the 8-character date\n"
-    "at the head of BASEDATA (default: today's UTC date as YYYYMMDD).\n"
+    "and has one reference record a row, in Latin-1. --date sets the\n"
+    "8-character date at the head of BASEDATA (default: today's UTC date as\n"
+    "YYYYMMDD).\n"
+    "\n"
+    "Each row is checked: every field within its width; the region one of\n"
+    "the keys the front ends route to, HK, KLN and NT (--any-region allows\n"
+    "any key); parity E, O or empty; refcode 3 and refid 5 letters or\n"
+    "digits, or empty; the low number not above the high one. Lower-case\n"
+    "letters are folded to upper case, as the front ends fold input, with\n"
+    "one warning that counts the rows; exact duplicate rows are kept once,\n"
+    "with a warning that counts them and names the first.\n"
     "\n"
     "On a fault the CSV line and field are named, no output file is\n"
     "written and the exit status is 1.\n";
+
+// Warnings of what the rules changed, on standard error.
+void warn(const BuildStats &stats) {
+  if (stats.folded_rows > 0)
+    std::fprintf(stderr,
+                 "hkdb build: warning: %s had lower-case letters, folded to "
+                 "upper case (the first on line %ld)\n",
+                 counted(stats.folded_rows, "row").c_str(),
+                 stats.first_folded_line);
+  if (stats.repeated_rows == 0) return;
+  std::string which;
+  for (const RepeatedRow &r : stats.repeats)
+    which += (which.empty() ? "" : ", ") + std::string("line ") +
+             std::to_string(r.line) + " repeats line " +
+             std::to_string(r.first);
+  if (stats.repeated_rows > stats.repeats.size()) which += ", ...";
+  std::fprintf(stderr,
+               "hkdb build: warning: %s repeated an earlier row exactly and "
+               "%s left out: %s\n",
+               counted(stats.repeated_rows, "row").c_str(),
+               stats.repeated_rows == 1 ? "was" : "were", which.c_str());
+}
 
 std::string describe(const std::string &csv, const BuildError &err) {
   if (err.line == 0) return err.message;
@@ -35,7 +66,7 @@ std::string describe(const std::string &csv, const BuildError &err) {
 int run_build(int argc, char **argv) {
   Args args;
   if (int status = start_command(argc, argv, "build", kHelp, {"--date"}, 2,
-                                 "CSV and OUTDIR", &args);
+                                 "CSV and OUTDIR", &args, {"--any-region"});
       status >= 0)
     return status;
   std::string error;
@@ -47,6 +78,7 @@ int run_build(int argc, char **argv) {
       return usage_error("build", "--date needs exactly 8 characters");
     options.date8 = d->second;
   }
+  options.rules.known_regions = !args.flags.contains("--any-region");
 
   std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(
       std::fopen(csv_path.c_str(), "rb"), &std::fclose);
@@ -63,12 +95,15 @@ int run_build(int argc, char **argv) {
     ok = build_reference_db_from(&csv, outdir, options, &stats, &err);
   }
   if (!ok) return data_error("build", describe(csv_path, err));
+  warn(stats);
+  std::string rows = counted(stats.rows, "row");
+  if (stats.repeated_rows > 0)
+    rows += " (" + std::to_string(stats.repeated_rows) + " left out)";
   std::printf(
-      "hkdb build: %s: %llu rows, %llu regions, %llu streets; LEVEL1 %llu "
-      "bytes, LEVEL2 %llu bytes, BASEDATA %llu bytes\n",
-      outdir.c_str(), static_cast<unsigned long long>(stats.rows),
-      static_cast<unsigned long long>(stats.regions),
-      static_cast<unsigned long long>(stats.streets),
+      "hkdb build: %s: %s, %s, %s; LEVEL1 %llu bytes, LEVEL2 %llu bytes, "
+      "BASEDATA %llu bytes\n",
+      outdir.c_str(), rows.c_str(), counted(stats.regions, "region").c_str(),
+      counted(stats.streets, "street").c_str(),
       static_cast<unsigned long long>(stats.level1_bytes),
       static_cast<unsigned long long>(stats.level2_bytes),
       static_cast<unsigned long long>(stats.basedata_bytes));

@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <limits>
 
 #include "hkdb/cli.h"
 #include "lib/refdb_check.h"
@@ -8,7 +9,7 @@ namespace orlo::tools::hkdb {
 namespace {
 
 constexpr const char *kHelp =
-    "Usage: hkdb check DBDIR\n"
+    "Usage: hkdb check DBDIR [--all]\n"
     "\n"
     "Validates LEVEL1, LEVEL2 and BASEDATA in DBDIR: LEVEL1 keys sorted and\n"
     "unique; every segment inside LEVEL2, its street records ending exactly\n"
@@ -18,39 +19,52 @@ constexpr const char *kHelp =
     "to 127; every item inside its record, of a known type, and decoding\n"
     "within its field's width; LEVEL2 and BASEDATA whole 23200-byte units.\n"
     "\n"
-    "Prints each fault with its file and byte offset, then a summary.\n"
-    "Exit status 1 when there is any fault.\n";
+    "Prints the faults grouped by kind, each with its file and byte offset\n"
+    "(a byte that is not printable text as \\xNN), at most ten of each kind\n"
+    "unless --all is given, then a summary. Exit status 1 when there is any\n"
+    "fault.\n";
 
-constexpr size_t kFaultsShown = 1000;
+constexpr size_t kFaultsPerKind = 10;
+
+void print_group(const CheckReport &report, FaultKind kind, size_t shown) {
+  uint64_t n = report.by_kind[static_cast<size_t>(kind)];
+  if (n == 0) return;
+  std::string_view title = fault_kind_title(kind);
+  std::printf("%.*s: %s", static_cast<int>(title.size()), title.data(),
+              counted(n, "fault").c_str());
+  if (n > shown) std::printf(", the first %zu (--all shows every one)", shown);
+  std::printf("\n");
+  for (const CheckFault &f : report.faults)
+    if (f.kind == kind) std::printf("  %s\n", format_fault(f).c_str());
+}
 
 }  // namespace
 
 int run_check(int argc, char **argv) {
   Args args;
-  if (int status =
-          start_command(argc, argv, "check", kHelp, {}, 1, "DBDIR", &args);
+  if (int status = start_command(argc, argv, "check", kHelp, {}, 1, "DBDIR",
+                                 &args, {"--all"});
       status >= 0)
     return status;
   std::string error;
   RefdbImages images;
   if (!load_reference_images(args.positional[0], &images, &error))
     return data_error("check", error);
-  CheckReport report = check_reference_images(images, kFaultsShown);
-  for (const CheckFault &f : report.faults)
-    std::printf("%s\n", format_fault(f).c_str());
-  if (report.fault_count > report.faults.size())
-    std::printf("... and %llu more faults\n",
-                static_cast<unsigned long long>(report.fault_count -
-                                                report.faults.size()));
+  size_t shown = args.flags.contains("--all")
+                     ? std::numeric_limits<size_t>::max()
+                     : kFaultsPerKind;
+  CheckReport report = check_reference_images(images, shown);
+  for (size_t k = 0; k < kFaultKinds; ++k)
+    print_group(report, static_cast<FaultKind>(k), shown);
   const WalkTotals &t = report.totals;
   std::printf(
-      "hkdb check: %s: %llu regions, %llu streets, %llu records; date %s; "
-      "LEVEL1 %zu bytes, LEVEL2 %zu bytes, BASEDATA %zu bytes; %llu faults\n",
-      args.positional[0].c_str(), static_cast<unsigned long long>(t.regions),
-      static_cast<unsigned long long>(t.streets),
-      static_cast<unsigned long long>(t.records), t.date.c_str(),
+      "hkdb check: %s: %s, %s, %s; date %s; LEVEL1 %zu bytes, LEVEL2 %zu "
+      "bytes, BASEDATA %zu bytes; %s\n",
+      args.positional[0].c_str(), counted(t.regions, "region").c_str(),
+      counted(t.streets, "street").c_str(),
+      counted(t.records, "record").c_str(), printable_text(t.date).c_str(),
       images.level1.size(), images.level2.size(), images.basedata.size(),
-      static_cast<unsigned long long>(report.fault_count));
+      counted(report.fault_count, "fault").c_str());
   return report.fault_count == 0 ? kExitOk : kExitData;
 }
 

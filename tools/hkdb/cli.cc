@@ -8,7 +8,8 @@ namespace orlo::tools::hkdb {
 
 bool parse_args(int argc, char **argv, int first,
                 const std::vector<std::string_view> &value_options, Args *args,
-                std::string *error) {
+                std::string *error,
+                const std::vector<std::string_view> &flag_options) {
   for (int i = first; i < argc; ++i) {
     std::string_view a = argv[i];
     if (a == "--help" || a == "-h") {
@@ -20,6 +21,12 @@ bool parse_args(int argc, char **argv, int first,
       continue;
     }
     std::string_view name = a.substr(0, a.find('='));
+    bool flag = false;
+    for (std::string_view o : flag_options) flag = flag || o == a;
+    if (flag) {
+      args->flags.emplace(a);
+      continue;
+    }
     bool known = false;
     for (std::string_view o : value_options) known = known || o == name;
     if (!known) {
@@ -40,9 +47,10 @@ bool parse_args(int argc, char **argv, int first,
 
 int start_command(int argc, char **argv, std::string_view cmd, const char *help,
                   const std::vector<std::string_view> &value_options,
-                  size_t positionals, std::string_view expected, Args *args) {
+                  size_t positionals, std::string_view expected, Args *args,
+                  const std::vector<std::string_view> &flag_options) {
   std::string error;
-  if (!parse_args(argc, argv, 2, value_options, args, &error))
+  if (!parse_args(argc, argv, 2, value_options, args, &error, flag_options))
     return usage_error(cmd, error);
   if (args->help) {
     std::fputs(help, stdout);
@@ -65,6 +73,10 @@ int data_error(std::string_view cmd, const std::string &message) {
   std::fprintf(stderr, "hkdb %.*s: %s\n", static_cast<int>(cmd.size()),
                cmd.data(), message.c_str());
   return kExitData;
+}
+
+std::string counted(uint64_t n, std::string_view noun) {
+  return std::to_string(n) + " " + std::string(noun) + (n == 1 ? "" : "s");
 }
 
 bool parse_count(std::string_view text, uint64_t *value) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,15 +19,18 @@ inline constexpr int kExitUsage = 2;
 struct Args {
   std::vector<std::string> positional;
   std::map<std::string, std::string, std::less<>> options;  // "--date" -> value
+  std::set<std::string, std::less<>> flags;                 // "--all"
   bool help = false;
 };
 
 // Parses argv[first..]: "--name value" or "--name=value" for the names in
-// value_options, "--help"/"-h", and positional arguments. False with *error
-// set on an unknown option or a missing value.
+// value_options, the names in flag_options alone, "--help"/"-h", and
+// positional arguments. False with *error set on an unknown option or a
+// missing value.
 bool parse_args(int argc, char **argv, int first,
                 const std::vector<std::string_view> &value_options, Args *args,
-                std::string *error);
+                std::string *error,
+                const std::vector<std::string_view> &flag_options = {});
 
 // What every subcommand does first: parses argv[2..] with value_options,
 // prints `help` for --help, and requires `positionals` positional arguments
@@ -34,7 +38,11 @@ bool parse_args(int argc, char **argv, int first,
 // goes on with *args, otherwise the exit status to return.
 int start_command(int argc, char **argv, std::string_view cmd, const char *help,
                   const std::vector<std::string_view> &value_options,
-                  size_t positionals, std::string_view expected, Args *args);
+                  size_t positionals, std::string_view expected, Args *args,
+                  const std::vector<std::string_view> &flag_options = {});
+
+// "1 fault", "594 faults": a count with its noun, plural when not 1.
+std::string counted(uint64_t n, std::string_view noun);
 
 // Prints "hkdb CMD: message" and a pointer to --help; returns kExitUsage.
 int usage_error(std::string_view cmd, const std::string &message);

@@ -4,6 +4,7 @@
 
 #include "common/fixed_field.h"
 #include "hkmatch/input/record_fields.h"
+#include "orlo_normalise.h"
 #include "orlo_records.h"
 
 namespace orlo::tools::hkgeocode {
@@ -43,6 +44,23 @@ bool find_unprintable(std::string_view text, std::string *where) {
   return false;
 }
 
+constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
+
+// Names the text encodings that announce themselves with a byte-order mark
+// and that the reader cannot take, so that the message says what is wrong.
+std::string_view foreign_bom(std::string_view text) {
+  if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF"))
+    return "UTF-16";
+  return {};
+}
+
+bool field_count_ok(const std::vector<std::string> &fields,
+                    std::string *error) {
+  if (fields.size() == kInputColumns.size()) return true;
+  *error = "expected 9 fields, found " + std::to_string(fields.size());
+  return false;
+}
+
 bool place_field(const ColumnPlace &place, std::string_view name,
                  const std::string &value, std::string *record,
                  std::string *error) {
@@ -70,16 +88,31 @@ bool place_field(const ColumnPlace &place, std::string_view name,
 
 bool record_from_fields(const std::vector<std::string> &fields,
                         std::string *record, std::string *error) {
-  if (fields.size() != kInputColumns.size()) {
-    *error = "expected 9 fields, found " + std::to_string(fields.size());
-    return false;
-  }
+  if (!field_count_ok(fields, error)) return false;
   record->assign(HKINREC_SIZE, ' ');
   for (size_t i = 0; i < fields.size(); ++i) {
     if (!place_field(kPlaces[i], kInputColumns[i], fields[i], record, error))
       return false;
   }
   return true;
+}
+
+bool normalised_record(const std::vector<std::string> &fields,
+                       std::string *record, std::string *error) {
+  if (!field_count_ok(fields, error)) return false;
+  static_assert(ORLO_NF_COUNT == kInputColumns.size());
+  const char *text[ORLO_NF_COUNT];
+  size_t lengths[ORLO_NF_COUNT];
+  for (size_t i = 0; i < fields.size(); ++i) {
+    text[i] = fields[i].data();
+    lengths[i] = fields[i].size();
+  }
+  record->assign(HKINREC_SIZE, ' ');
+  ORLO_NORM_FAULT fault;
+  if (orlo_norm_address(text, lengths, record->data(), &fault) == ORLO_NORM_OK)
+    return true;
+  *error = fault.reason;
+  return false;
 }
 
 bool check_raw_record(std::string_view record, std::string *error) {
@@ -96,7 +129,8 @@ bool check_raw_record(std::string_view record, std::string *error) {
   return true;
 }
 
-RowSource::RowSource(std::FILE *in, bool fixed) : in_(in), fixed_(fixed) {
+RowSource::RowSource(std::FILE *in, bool fixed, bool raw)
+    : in_(in), fixed_(fixed), raw_(raw) {
   if (!fixed_) csv_ = std::make_unique<CsvReader>(in_);
 }
 
@@ -104,6 +138,10 @@ bool RowSource::start(std::string *error) {
   if (fixed_) return true;
   std::vector<std::string> header;
   CsvReader::Status s = csv_->next(&header);
+  // A byte-order mark marks the file as UTF-8; it is no part of the header.
+  if (s == CsvReader::Status::kRow && !header.empty() &&
+      header[0].starts_with(kUtf8Bom))
+    header[0].erase(0, kUtf8Bom.size());
   bool ok =
       s == CsvReader::Status::kRow && header.size() == kInputColumns.size();
   for (size_t i = 0; ok && i < header.size(); ++i) {
@@ -114,6 +152,11 @@ bool RowSource::start(std::string *error) {
     *error = "line " + std::to_string(csv_->line()) + ": " + csv_->error();
   } else if (s == CsvReader::Status::kEnd) {
     *error = "empty input: the header line is missing";
+  } else if (std::string_view e = foreign_bom(header.empty() ? "" : header[0]);
+             !e.empty()) {
+    *error = "the input is " + std::string(e) +
+             " text (it starts with a byte-order mark); save it as UTF-8 "
+             "or Latin-1";
   } else {
     *error =
         "line 1: expected the header "
@@ -134,7 +177,11 @@ bool RowSource::next_csv(InputRow *row) {
     ended_ = true;
     return true;
   }
-  record_from_fields(row->fields, &row->record, &row->error);
+  if (raw_) {
+    record_from_fields(row->fields, &row->record, &row->error);
+  } else {
+    normalised_record(row->fields, &row->record, &row->error);
+  }
   return true;
 }
 
@@ -144,7 +191,14 @@ bool RowSource::next_fixed(InputRow *row) {
   if (n == 0) return false;
   rec.resize(n);
   row->line = ++records_;
-  if (check_raw_record(rec, &row->error)) row->record = std::move(rec);
+  if (records_ == 1 &&
+      (rec.starts_with(kUtf8Bom) || !foreign_bom(rec).empty())) {
+    row->error =
+        "the input starts with a byte-order mark, as text files do; "
+        "--fixed reads raw 200-byte records";
+  } else if (check_raw_record(rec, &row->error)) {
+    row->record = std::move(rec);
+  }
   if (n < HKINREC_SIZE) ended_ = true;
   return true;
 }

@@ -1,5 +1,6 @@
-// The rows hkgeocode reads: CSV rows turned into 200-byte input records, or
-// raw records, each checked, with the line it came from.
+// The rows hkgeocode reads: CSV rows turned into 200-byte input records
+// (tidied by the input normalisation, or placed as given with --raw), or raw
+// records, each checked, with the line it came from.
 #ifndef ORLO_TOOLS_HKGEOCODE_INPUT_ROWS_H
 #define ORLO_TOOLS_HKGEOCODE_INPUT_ROWS_H
 
@@ -35,13 +36,21 @@ struct InputRow {
 bool record_from_fields(const std::vector<std::string> &fields,
                         std::string *record, std::string *error);
 
+// Fills *record (200 bytes) from the nine CSV fields as people write them,
+// through the input normalisation (orlo_norm_address). False with *error
+// set on a wrong number of fields or a field the normalisation refuses.
+bool normalised_record(const std::vector<std::string> &fields,
+                       std::string *record, std::string *error);
+
 // Checks a raw input record: 200 bytes of printable ASCII.
 bool check_raw_record(std::string_view record, std::string *error);
 
 // Reads the input in batches.
 class RowSource {
  public:
-  RowSource(std::FILE *in, bool fixed);
+  // fixed: raw 200-byte records. raw: CSV fields placed as given, without
+  // the normalisation.
+  RowSource(std::FILE *in, bool fixed, bool raw = false);
 
   // Reads the CSV header line (nothing with --fixed). False with *error set
   // when it is not the expected header.
@@ -60,6 +69,7 @@ class RowSource {
 
   std::FILE *in_;
   bool fixed_;
+  bool raw_;
   bool ended_ = false;
   long records_ = 0;
   std::unique_ptr<CsvReader> csv_;

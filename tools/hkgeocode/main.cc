@@ -14,6 +14,7 @@
 #include "hkgeocode/batch_runner.h"
 #include "hkgeocode/geocoder.h"
 #include "hkgeocode/input_rows.h"
+#include "hkgeocode/legend.h"
 #include "hkgeocode/options.h"
 #include "hkgeocode/output_format.h"
 #include "hkgeocode/run_summary.h"
@@ -75,17 +76,23 @@ int open_streams(const Options &o, Streams *s) {
   return kExitOk;
 }
 
+std::string db_dir(const Options &o) {
+  return o.db_dir.empty() ? default_db_dir() : o.db_dir;
+}
+
 int open_instances(const Options &o,
                    std::vector<std::unique_ptr<Geocoder>> *instances) {
-  std::string dir = o.db_dir.empty() ? default_db_dir() : o.db_dir;
+  std::string dir = db_dir(o);
   for (int i = 0; i < o.threads; ++i) {
     auto g = std::make_unique<Geocoder>();
     char code = g->open(dir, o.open_options);
     if (code != HKRC_OK) {
-      std::fprintf(stderr, "hkgeocode: cannot open the reference database %s\n",
-                   dir.c_str());
+      std::string_view why = return_code_meaning(code);
+      std::fprintf(stderr,
+                   "hkgeocode: cannot open the reference database %s: %.*s\n",
+                   dir.c_str(), static_cast<int>(why.size()), why.data());
       hk_doem(g->open_record());
-      return kExitUsage;
+      return kExitNoDatabase;
     }
     instances->push_back(std::move(g));
   }
@@ -144,8 +151,9 @@ void process_all(const Options &o, const Streams &s, RowSource *source,
 }
 
 // The first instance takes the counts of all the others and is closed last,
-// with the statement; the others are closed without one.
-void close_instances(const Options &o,
+// with the statement; the others are closed without one. False when a
+// statement was asked for and its close failed.
+bool close_instances(const Options &o,
                      std::vector<std::unique_ptr<Geocoder>> *instances) {
   Geocoder &first = *(*instances)[0];
   for (size_t i = 1; i < instances->size(); ++i) {
@@ -155,7 +163,7 @@ void close_instances(const Options &o,
   }
   if (o.report_path.empty()) {
     first.close_quietly();
-    return;
+    return true;
   }
   if (!first.statement_allowed(o.open_options)) {
     std::fprintf(stderr,
@@ -164,11 +172,46 @@ void close_instances(const Options &o,
   }
   char code = first.close_with_statement(
       o.open_options, StatementRequest{o.report_path, o.report_lines});
-  if (code != HKRC_OK) {
-    std::fputs("hkgeocode: the accuracy statement was not written\n", stderr);
-    char rec[HKOUTREC_SIZE] = {code};
-    hk_doem(rec);
+  if (code == HKRC_OK) return true;
+  std::string_view why = return_code_meaning(code);
+  std::fprintf(stderr,
+               "hkgeocode: the accuracy statement was not written: %.*s\n",
+               static_cast<int>(why.size()), why.data());
+  char rec[HKOUTREC_SIZE] = {code};
+  hk_doem(rec);
+  return false;
+}
+
+// The codes that occurred, as the legend of --table lists them.
+std::string codes_seen(const std::array<uint64_t, 256> &counts) {
+  std::string codes;
+  for (size_t c = 0; c < counts.size(); ++c)
+    if (counts[c] > 0) codes.push_back(static_cast<char>(c));
+  return codes;
+}
+
+void write_legend(const Totals &t, std::FILE *out) {
+  std::string rc = codes_seen(t.by_code);
+  if (t.bad > 0) rc.push_back(kBadRowCode);
+  if (rc.empty()) return;
+  std::string legend = "\nRC return code, MS match status:\n" +
+                       code_legend(rc, codes_seen(t.by_status));
+  std::fputs(legend.c_str(), out);
+}
+
+// One line on standard error for each failure code that rows got; true
+// when there was any.
+bool report_failures(const Totals &t, const std::string &dir) {
+  bool any = false;
+  for (size_t c = 0; c < t.by_code.size(); ++c) {
+    auto code = static_cast<char>(c);
+    if (t.by_code[c] == 0 || code == HKRC_OK || code == HKRC_REFERENCE)
+      continue;
+    std::string why = failure_reason(code, t.by_code[c], t.processed, dir);
+    std::fprintf(stderr, "hkgeocode: %s\n", why.c_str());
+    any = true;
   }
+  return any;
 }
 
 int run(const Options &o) {
@@ -177,7 +220,7 @@ int run(const Options &o) {
   if (int rc = open_streams(o, &s); rc != kExitOk) return rc;
   std::vector<std::unique_ptr<Geocoder>> instances;
   if (int rc = open_instances(o, &instances); rc != kExitOk) return rc;
-  RowSource source(s.in, o.fixed);
+  RowSource source(s.in, o.fixed, o.raw);
   std::string error;
   if (!source.start(&error)) return fail(s.in_name + ": " + error);
   if (o.table) {
@@ -188,7 +231,8 @@ int run(const Options &o) {
 
   Totals totals;
   process_all(o, s, &source, &instances, &totals);
-  close_instances(o, &instances);
+  if (o.table) write_legend(totals, s.out);
+  bool statement_ok = close_instances(o, &instances);
   bool written = std::fflush(s.out) == 0 && std::ferror(s.out) == 0;
   double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - start)
@@ -199,6 +243,8 @@ int run(const Options &o) {
         "cannot write the output " +
         (o.out_path.empty() ? std::string("to standard output") : o.out_path));
   }
+  bool failed = report_failures(totals, db_dir(o));
+  if (failed || !statement_ok) return kExitFailedRows;
   return totals.bad > 0 ? kExitBadRows : kExitOk;
 }
 
@@ -213,7 +259,7 @@ int main(int argc, char **argv) {
     return hg::usage_error(error);
   }
   if (options.help) {
-    std::fputs(hg::usage_text(), stdout);
+    std::fputs(hg::usage_text().c_str(), stdout);
     return hg::kExitOk;
   }
   return hg::run(options);

@@ -5,6 +5,8 @@
 #include <climits>
 #include <string_view>
 
+#include "hkgeocode/output_format.h"
+
 namespace orlo::tools::hkgeocode {
 namespace {
 
@@ -18,9 +20,16 @@ constexpr const char *kUsage =
     "  refcode,premno,street,building,unit,extra,district,region,mode\n"
     "(widths 3, 8, 30, 30, 30, 30, 30, 30, 1; unit is the floor and unit\n"
     "line; mode is the record mode byte, empty for none). Without INPUT, or\n"
-    "with '-', the rows are read from standard input. The output repeats\n"
-    "the input columns and adds every field of the result under a readable\n"
-    "name, with the meanings of the return code and the match status.\n"
+    "with '-', the rows are read from standard input.\n"
+    "\n"
+    "The fields are tidied as people write them (--raw turns this off):\n"
+    "UTF-8 (with or without a byte-order mark) or Latin-1 text; full-width\n"
+    "letters and digits made plain; letters in upper case; blanks\n"
+    "collapsed; the region as its key HK, KLN or NT whether written as the\n"
+    "key or spelt out (\"Kowloon\", \"N.T.\", \"Hong Kong Island\"), and\n"
+    "taken from the district (\"Tsim Sha Tsui\", \"Causeway Bay\", \"Sha\n"
+    "Tin\") when it is empty. A field with characters outside Latin-1\n"
+    "(Chinese, for one) makes the row bad. Widths count after tidying.\n"
     "\n"
     "Options:\n"
     "  --db DIR            reference database (LEVEL1, LEVEL2, BASEDATA);\n"
@@ -30,21 +39,36 @@ constexpr const char *kUsage =
     "  --threads N         N workers (1 to 64), each with its own instance;\n"
     "                      the output is in input order and the same as with\n"
     "                      one worker\n"
+    "  --raw               place the CSV fields as given: printable ASCII in\n"
+    "                      the matcher's form (upper case, region keys)\n"
     "  --table             a readable table (address, return code RC, match\n"
-    "                      status MS, result lines, reference) instead of CSV\n"
+    "                      status MS, result lines, reference) and a legend\n"
+    "                      of the codes in it, instead of CSV\n"
     "  --fixed             raw 200-byte input records, raw 300-byte output\n"
-    "                      records\n"
+    "                      records (never tidied)\n"
     "  --out PATH          output file (default: standard output)\n"
     "  --report PATH       write the address accuracy statement at the end\n"
     "  --report-line TEXT  a free line of the statement (up to six times)\n"
     "  --quiet             no progress display\n"
     "  --help              this text\n"
     "\n"
+    "The CSV output repeats the input columns exactly as read and adds\n"
+    "these, in UTF-8 (\"as read\" is the record the matcher received):\n";
+
+constexpr const char *kCodes =
+    "\n"
+    "Codes (RC return code, MS match status) with their meanings, and the\n"
+    "matcher's own message in brackets where it has one:\n";
+
+constexpr const char *kNotes =
+    "\n"
     "Bad rows (a wrong number of fields, a field wider than its record\n"
-    "field, a byte that is not printable ASCII, or malformed CSV) are\n"
-    "reported on standard error with their line, counted in the summary and\n"
-    "written to the output with return code E and the reason; with --fixed,\n"
-    "as a record of blanks with E in byte 0. Malformed CSV ends the input.\n"
+    "field after tidying, a character outside Latin-1, a control\n"
+    "character, with --raw any byte that is not printable ASCII, or\n"
+    "malformed CSV) are reported on standard error with their line, counted\n"
+    "in the summary and written to the output with return code E and the\n"
+    "reason; with --fixed, as a record of blanks with E in byte 0.\n"
+    "Malformed CSV ends the input.\n"
     "\n"
     "The accuracy statement counts the records of all workers together: each\n"
     "worker's instance is closed without a statement and the first one, its\n"
@@ -52,8 +76,17 @@ constexpr const char *kUsage =
     "options then decide, as for any close, whether a statement is written.\n"
     "\n"
     "A progress line is shown on standard error when it is a terminal; a\n"
-    "summary follows at the end. Exit status: 0 every row processed, 1 some\n"
-    "rows bad, 2 wrong usage or a file or database that cannot be used.\n";
+    "summary follows at the end.\n"
+    "\n"
+    "Exit status:\n"
+    "  0  every row was processed (return code 0 or 1)\n"
+    "  1  some input rows were bad (E); every other row was processed\n"
+    "  2  wrong usage, or an input, output or report file that cannot be used\n"
+    "  3  the reference database cannot be opened\n"
+    "  4  some rows failed in the matcher (any other return code: damaged or\n"
+    "     cut-short reference data, out of memory), or the accuracy\n"
+    "     statement could not be written; a one-line reason goes to\n"
+    "     standard error\n";
 
 bool parse_threads(std::string_view text, int *threads) {
   if (text.empty() || text.size() > 3) return false;
@@ -110,8 +143,8 @@ bool writes_extract(const std::string &open_options) {
 
 }  // namespace
 
-const char *usage_text() {
-  return kUsage;
+std::string usage_text() {
+  return kUsage + columns_help() + kCodes + code_legend("", "") + kNotes;
 }
 
 bool parse_options(int argc, char **argv, Options *o, std::string *error) {
@@ -122,6 +155,8 @@ bool parse_options(int argc, char **argv, Options *o, std::string *error) {
       o->help = true;
     } else if (a == "--fixed") {
       o->fixed = true;
+    } else if (a == "--raw") {
+      o->raw = true;
     } else if (a == "--table") {
       o->table = true;
     } else if (a == "--quiet") {

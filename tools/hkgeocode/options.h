@@ -7,9 +7,12 @@
 
 namespace orlo::tools::hkgeocode {
 
+// Exit statuses, as --help lists them.
 inline constexpr int kExitOk = 0;
 inline constexpr int kExitBadRows = 1;
 inline constexpr int kExitUsage = 2;
+inline constexpr int kExitNoDatabase = 3;
+inline constexpr int kExitFailedRows = 4;
 
 inline constexpr int kMaxThreads = 64;
 inline constexpr int kMaxReportLines = 6;
@@ -20,6 +23,7 @@ struct Options {
   std::string open_options;
   int threads = 1;
   bool fixed = false;
+  bool raw = false;         // CSV fields as given, not normalised
   bool table = false;       // a readable table instead of CSV
   std::string out_path;     // empty: standard output
   std::string report_path;  // empty: no accuracy statement
@@ -33,7 +37,7 @@ struct Options {
 bool parse_options(int argc, char **argv, Options *options, std::string *error);
 
 // The --help text.
-const char *usage_text();
+std::string usage_text();
 
 // The sample database that the build places beside the tool's bin folder:
 // <folder of the executable>/../data/sample.

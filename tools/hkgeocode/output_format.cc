@@ -1,73 +1,152 @@
 #include "hkgeocode/output_format.h"
 
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <cstdio>
 #include <initializer_list>
 #include <string>
 
 #include "common/fixed_field.h"
 #include "hkmatch/input/record_fields.h"
 #include "lib/csv_writer.h"
-#include "orlo_codes.h"
 #include "orlo_records.h"
 
 namespace orlo::tools::hkgeocode {
 namespace {
 
-struct Meaning {
-  char code;
-  std::string_view text;
-};
-
-#define ORLO_RETURN_MEANING(name, code, message, meaning) {code, meaning},
-#define ORLO_STATUS_MEANING(name, code, meaning) {code, meaning},
-constexpr Meaning kReturnCodes[] = {
-    ORLO_RETURN_CODES(ORLO_RETURN_MEANING){kBadRowCode, "bad input row"}};
-constexpr Meaning kMatchStatuses[] = {ORLO_MATCH_STATUSES(ORLO_STATUS_MEANING)};
-#undef ORLO_RETURN_MEANING
-#undef ORLO_STATUS_MEANING
-
-template <size_t N>
-std::string_view meaning_of(const Meaning (&table)[N], char code,
-                            std::string_view otherwise) {
-  for (const Meaning &m : table) {
-    if (m.code == code) return m.text;
-  }
-  return otherwise;
-}
-
-// The output fields after the input columns, in order. The unit line is
-// shown whole: in_unit's 25 characters joined with in_unitext's 5.
+// The output fields after the input columns, in order, with what each
+// holds; "as read" is the input record the matcher received, after the
+// input normalisation (or as given with --raw). The unit line is shown whole:
+// in_unit's 25 characters joined with in_unitext's 5.
 enum class Kind { kField, kUnitLine, kReturnMeaning, kStatusMeaning };
 struct OutputColumn {
   std::string_view name;
   Kind kind;
   FieldRef field;
+  std::string_view meaning;
 };
 
 constexpr OutputColumn kOutputColumns[] = {
-    {"return_code", Kind::kField, out::retcode},
-    {"return_meaning", Kind::kReturnMeaning, out::retcode},
-    {"match_status", Kind::kField, out::matchstat},
-    {"match_meaning", Kind::kStatusMeaning, out::matchstat},
-    {"out_premno", Kind::kField, out::premno},
-    {"out_street", Kind::kField, out::street},
-    {"out_building", Kind::kField, out::bldg},
-    {"out_unit", Kind::kUnitLine, out::unit},
-    {"out_district", Kind::kField, out::district},
-    {"out_region", Kind::kField, out::region},
-    {"line1", Kind::kField, out::line1},
-    {"line2", Kind::kField, out::line2},
-    {"ref_code", Kind::kField, out::refcode},
-    {"ref_id", Kind::kField, out::refid},
-    {"area_changed", Kind::kField, out::areachg},
-    {"street_changed", Kind::kField, out::streetchg},
-    {"premise_changed", Kind::kField, out::premchg},
-    {"ref_line", Kind::kField, out::refline},
-    {"grade", Kind::kField, out::grade},
-    {"building_source", Kind::kField, out::bldgsrc},
+    {"return_code", Kind::kField, out::retcode,
+     "the return code: 0 or 1 the row was processed, E a bad input row, "
+     "any other a failure (see the codes below)"},
+    {"return_meaning", Kind::kReturnMeaning, out::retcode,
+     "the return code in words; for E, why the row is bad"},
+    {"match_status", Kind::kField, out::matchstat,
+     "how the search ended (see the codes below)"},
+    {"match_meaning", Kind::kStatusMeaning, out::matchstat,
+     "the match status in words"},
+    {"out_premno", Kind::kField, out::premno,
+     "the premise number as the matcher read it"},
+    {"out_street", Kind::kField, out::street,
+     "the reference street when an address was written, else the street "
+     "as read"},
+    {"out_building", Kind::kField, out::bldg,
+     "the reference building when the reference has one, else the "
+     "building as read"},
+    {"out_unit", Kind::kUnitLine, out::unit, "the floor and unit line as read"},
+    {"out_district", Kind::kField, out::district, "the district as read"},
+    {"out_region", Kind::kField, out::region,
+     "the region as read: its key (HK, KLN, NT) when the input "
+     "normalisation knew the spelling or the district"},
+    {"line1", Kind::kField, out::line1,
+     "the first line of the standardised address"},
+    {"line2", Kind::kField, out::line2,
+     "the second line of the standardised address"},
+    {"ref_code", Kind::kField, out::refcode,
+     "the 3-character code of the reference address written (its "
+     "district); empty when none"},
+    {"ref_id", Kind::kField, out::refid,
+     "the 5-character identifier of the reference address written"},
+    {"area_changed", Kind::kField, out::areachg,
+     "Y when the district or region written differs from the one read"},
+    {"street_changed", Kind::kField, out::streetchg,
+     "Y when the street written differs from the one read (the reference "
+     "spelling replaced it)"},
+    {"premise_changed", Kind::kField, out::premchg,
+     "Y when the premise number or the unit line written differs from the "
+     "one read"},
+    {"ref_line", Kind::kField, out::refline,
+     "the first 25 characters of the reference address text"},
+    {"grade", Kind::kField, out::grade,
+     "how many penalties the written reference took in the comparison, as "
+     "one digit: 0 a clean fit, higher a looser one (10 or more show their "
+     "first digit); 9 when no reference address was written"},
+    {"building_source", Kind::kField, out::bldgsrc,
+     "Y when out_building is the reference record's building name"},
 };
 
 std::string_view trimmed(std::string_view text) {
   return text.substr(0, significant_length(text));
+}
+
+// The record holds Latin-1; the output is UTF-8.
+std::string latin1_to_utf8(std::string_view text) {
+  std::string out;
+  for (char ch : text) {
+    auto c = static_cast<unsigned char>(ch);
+    if (c < 0x80) {
+      out.push_back(ch);
+    } else {
+      out.push_back(static_cast<char>(0xC0 | (c >> 6)));
+      out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+    }
+  }
+  return out;
+}
+
+bool valid_utf8(std::string_view text) {
+  const auto *p = reinterpret_cast<const utf8proc_uint8_t *>(text.data());
+  auto left = static_cast<utf8proc_ssize_t>(text.size());
+  while (left > 0) {
+    utf8proc_int32_t cp;
+    utf8proc_ssize_t n = utf8proc_iterate(p, left, &cp);
+    if (n <= 0) return false;
+    p += n;
+    left -= n;
+  }
+  return true;
+}
+
+// Input text for the table: UTF-8 as it is, anything else read as
+// Latin-1, control bytes shown as \xNN so that they cannot upset a
+// terminal.
+std::string display_text(std::string_view text) {
+  std::string utf8 =
+      valid_utf8(text) ? std::string(text) : latin1_to_utf8(text);
+  std::string out;
+  for (char ch : utf8) {
+    auto c = static_cast<unsigned char>(ch);
+    if (c < 0x20 || c == 0x7F) {
+      char buf[8];
+      std::snprintf(buf, sizeof buf, "\\x%02X", c);
+      out += buf;
+    } else {
+      out.push_back(ch);
+    }
+  }
+  return out;
+}
+
+// UTF-8 text cut to width columns of a terminal and padded to them (a
+// Chinese character takes two).
+std::string fit(std::string text, size_t width) {
+  const auto *p = reinterpret_cast<const utf8proc_uint8_t *>(text.data());
+  size_t used = 0, end = 0;
+  while (end < text.size()) {
+    utf8proc_int32_t cp;
+    utf8proc_ssize_t n = utf8proc_iterate(
+        p + end, static_cast<utf8proc_ssize_t>(text.size() - end), &cp);
+    if (n <= 0) break;
+    auto w = static_cast<size_t>(std::max(0, utf8proc_charwidth(cp)));
+    if (used + w > width) break;
+    used += w;
+    end += static_cast<size_t>(n);
+  }
+  text.resize(end);
+  text.append(width - used, ' ');
+  return text;
 }
 
 // Appends one CSV field; edge blanks are quoted because the output keeps
@@ -76,18 +155,11 @@ void append_field(std::string_view value, std::string *out) {
   append_csv_field(out, value, /*quote_edge_blanks=*/true);
 }
 
-void append_input_columns(const InputRow &row, bool mask, std::string *out) {
+// The input columns, byte for byte as read.
+void append_input_columns(const InputRow &row, std::string *out) {
   for (size_t i = 0; i < kInputColumns.size(); ++i) {
     if (i > 0) out->push_back(',');
-    if (i >= row.fields.size()) continue;
-    std::string value = row.fields[i];
-    if (mask) {
-      for (char &c : value) {
-        auto b = static_cast<unsigned char>(c);
-        if (b < 0x20 || b >= 0x7F) c = '?';
-      }
-    }
-    append_field(value, out);
+    if (i < row.fields.size()) append_field(row.fields[i], out);
   }
 }
 
@@ -100,12 +172,12 @@ std::string column_value(const OutputColumn &col, const char *rec) {
     case Kind::kUnitLine: {
       std::string line(field_view(rec, out::unit));
       line.append(field_view(rec, out::unitext));
-      return std::string(trimmed(line));
+      return latin1_to_utf8(trimmed(line));
     }
     case Kind::kField:
       break;
   }
-  return std::string(trimmed(field_view(rec, col.field)));
+  return latin1_to_utf8(trimmed(field_view(rec, col.field)));
 }
 
 // Widths of the table's text columns; longer texts are cut.
@@ -122,14 +194,13 @@ std::string table_cell(std::initializer_list<std::string_view> parts,
     if (!cell.empty()) cell += ", ";
     cell.append(p);
   }
-  cell.resize(width, ' ');
-  return cell;
+  return fit(cell, width);
 }
 
 // The address as given: premise number and street, building, unit, region.
 std::string given_address(const InputRow &row) {
-  auto f = [&row](size_t i) -> std::string_view {
-    return i < row.fields.size() ? std::string_view(row.fields[i]) : "";
+  auto f = [&row](size_t i) -> std::string {
+    return i < row.fields.size() ? display_text(row.fields[i]) : "";
   };
   std::string street(trimmed(f(1)));
   if (!street.empty() && !trimmed(f(2)).empty()) street += ' ';
@@ -152,7 +223,7 @@ void append_table_row(const InputRow &row, const char *outrec,
   if (row.bad()) {
     out->append(" ");
     out->push_back(kBadRowCode);
-    out->append("     bad input row: " + row.error + "\n");
+    out->append("     bad input row: " + display_text(row.error) + "\n");
     return;
   }
   out->append(" ");
@@ -163,22 +234,13 @@ void append_table_row(const InputRow &row, const char *outrec,
   std::string_view line2 = trimmed(field_view(outrec, out::line2));
   std::string result(trimmed(field_view(outrec, out::line1)));
   if (!line2.empty()) result += " / " + std::string(line2);
-  result.resize(kTableResult, ' ');
-  out->append(result);
+  out->append(fit(latin1_to_utf8(result), kTableResult));
   out->append(" ");
   out->append(trimmed(field_view(outrec, out::refcode)));
   out->append(" ");
   out->append(trimmed(field_view(outrec, out::refid)));
   while (!out->empty() && out->back() == ' ') out->pop_back();
   out->push_back('\n');
-}
-
-std::string_view return_code_meaning(char code) {
-  return meaning_of(kReturnCodes, code, "unknown return code");
-}
-
-std::string_view match_status_meaning(char status) {
-  return meaning_of(kMatchStatuses, status, "unknown match status");
 }
 
 std::string csv_header() {
@@ -195,9 +257,22 @@ std::string csv_header() {
   return h;
 }
 
+std::string columns_help() {
+  std::string out;
+  size_t width = 0;
+  for (const OutputColumn &col : kOutputColumns)
+    width = std::max(width, col.name.size());
+  for (const OutputColumn &col : kOutputColumns) {
+    std::string name(col.name);
+    name.resize(width, ' ');
+    append_item(&out, name, col.meaning);
+  }
+  return out;
+}
+
 void append_result_row(const InputRow &row, const char *outrec,
                        std::string *out) {
-  append_input_columns(row, false, out);
+  append_input_columns(row, out);
   for (const OutputColumn &col : kOutputColumns) {
     out->push_back(',');
     append_field(column_value(col, outrec), out);
@@ -206,7 +281,7 @@ void append_result_row(const InputRow &row, const char *outrec,
 }
 
 void append_bad_row(const InputRow &row, std::string *out) {
-  append_input_columns(row, true, out);
+  append_input_columns(row, out);
   out->push_back(',');
   out->push_back(kBadRowCode);
   out->push_back(',');

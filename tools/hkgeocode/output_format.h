@@ -1,6 +1,6 @@
 // The output rows of hkgeocode: the input columns followed by every field of
-// the 300-byte output record under a readable name, as CSV; or the raw
-// records.
+// the 300-byte output record under a readable name, as CSV; a readable
+// table; or the raw records.
 #ifndef ORLO_TOOLS_HKGEOCODE_OUTPUT_FORMAT_H
 #define ORLO_TOOLS_HKGEOCODE_OUTPUT_FORMAT_H
 
@@ -8,21 +8,24 @@
 #include <string_view>
 
 #include "hkgeocode/input_rows.h"
+#include "hkgeocode/legend.h"
 
 namespace orlo::tools::hkgeocode {
-
-// The return code that marks a bad input row in the output.
-inline constexpr char kBadRowCode = 'E';
 
 // The header line of the CSV output, with its line end.
 std::string csv_header();
 
+// The output columns with what each holds, as --help lists them.
+std::string columns_help();
+
 // Appends the CSV line of a processed row and its 300-byte output record.
+// The input columns repeat the fields exactly as read; the result columns
+// are UTF-8 (the record's Latin-1 converted).
 void append_result_row(const InputRow &row, const char *outrec,
                        std::string *out);
 
-// Appends the CSV line of a bad row: its fields as read (bytes that are not
-// printable shown as '?'), return code E and the reason.
+// Appends the CSV line of a bad row: its fields exactly as read, return
+// code E and the reason.
 void append_bad_row(const InputRow &row, std::string *out);
 
 // Appends the raw output record of a row: the matcher's, or for a bad row
@@ -30,16 +33,12 @@ void append_bad_row(const InputRow &row, std::string *out);
 void append_raw_record(const InputRow &row, const char *outrec,
                        std::string *out);
 
-// What a return code and a match status mean, for people.
 // The readable table (--table): its header, and one line a row giving the
 // address as given, the return code, the match status, the composed result
 // lines and the reference.
 std::string table_header();
 void append_table_row(const InputRow &row, const char *outrec,
                       std::string *out);
-
-std::string_view return_code_meaning(char code);
-std::string_view match_status_meaning(char status);
 
 }  // namespace orlo::tools::hkgeocode
 

@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include "hkgeocode/output_format.h"
+#include "hkgeocode/legend.h"
 #include "orlo_codes.h"
 #include "orlo_records.h"
 
@@ -16,7 +16,7 @@ void print_duration(std::FILE *to, double seconds) {
   std::fprintf(to, "%lu:%02lu:%02lu", s / 3600, s / 60 % 60, s % 60);
 }
 
-// "'0' candidate accepted: 12" for every code seen, in byte order.
+// "         12  '0' accepted: ..." for every code seen, in byte order.
 template <typename MeaningFn>
 void print_counts(std::FILE *to, const char *title,
                   const std::array<uint64_t, 256> &counts, MeaningFn meaning) {
@@ -25,9 +25,9 @@ void print_counts(std::FILE *to, const char *title,
     if (counts[c] == 0) continue;
     char code = static_cast<char>(c);
     std::string_view text = meaning(code);
-    std::fprintf(to, "    '%c' %-46.*s %12llu\n", code,
-                 static_cast<int>(text.size()), text.data(),
-                 static_cast<unsigned long long>(counts[c]));
+    std::fprintf(to, "    %12llu  '%c' %.*s\n",
+                 static_cast<unsigned long long>(counts[c]), code,
+                 static_cast<int>(text.size()), text.data());
   }
 }
 

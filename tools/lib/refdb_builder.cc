@@ -66,7 +66,7 @@ bool build_reference_db_from(CsvReader *csv, const std::string &outdir,
   if (!check_date(date8, err)) return false;
   if (!is_directory(outdir))
     return fail(err, 0, "output directory " + outdir + " does not exist");
-  RefdbCollector collector(options.limits);
+  RefdbCollector collector(options.limits, options.rules, stats);
   if (!collect_rows(csv, &collector, options, stats, err)) return false;
   std::string error;
   if (!write_reference_db(&collector.content(), outdir, date8, stats, &error))
@@ -79,6 +79,7 @@ bool build_reference_db(std::string_view csv_text, const std::string &outdir,
   CsvReader csv(csv_text);
   BuildOptions options;
   options.date8 = date8;
+  options.rules = kRowsAsGiven;
   BuildStats stats;
   return build_reference_db_from(&csv, outdir, options, &stats, err);
 }
@@ -94,6 +95,7 @@ bool build_reference_db_file(const std::string &csv_path,
   CsvReader csv(file.get());
   BuildOptions options;
   options.date8 = date8;
+  options.rules = kRowsAsGiven;
   BuildStats stats;
   return build_reference_db_from(&csv, outdir, options, &stats, err);
 }

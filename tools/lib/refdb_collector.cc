@@ -88,7 +88,31 @@ bool RefdbCollector::street_index(uint32_t region, const std::string &name,
   return true;
 }
 
-bool RefdbCollector::add_row(const std::vector<std::string> &row, long line,
+// A record repeats an earlier one when both lie in the same street and
+// their packed bytes are equal (a packed record decodes to its fields).
+bool RefdbCollector::repeated(uint32_t street, std::string_view packed,
+                              long line) {
+  std::string key(reinterpret_cast<const char *>(&street), sizeof street);
+  key.append(packed);
+  uint64_t hash = std::hash<std::string>{}(key);
+  const std::string &block = content_.streets[street].block;
+  auto [first, last] = stored_.equal_range(hash);
+  for (auto it = first; it != last; ++it) {
+    const StoredRecord &r = it->second;
+    if (r.street != street ||
+        std::string_view(block).substr(r.offset, packed.size()) != packed)
+      continue;
+    if (stats_->repeats.size() < kRepeatsKept)
+      stats_->repeats.push_back(RepeatedRow{line, r.line});
+    ++stats_->repeated_rows;
+    return true;
+  }
+  stored_.emplace(
+      hash, StoredRecord{street, static_cast<uint32_t>(block.size()), line});
+  return false;
+}
+
+bool RefdbCollector::add_row(std::vector<std::string> row, long line,
                              BuildError *err) {
   if (row.size() != refdb::kColumns)
     return fail(err, line, "",
@@ -98,6 +122,10 @@ bool RefdbCollector::add_row(const std::vector<std::string> &row, long line,
     if (!check_field(row[c], c, line, err)) return false;
   if (row[0].find_first_not_of(' ') == std::string::npos)
     return fail(err, line, "region", "is empty");
+  if (rules_.fold_case && fold_row_case(&row)) {
+    if (stats_->folded_rows++ == 0) stats_->first_folded_line = line;
+  }
+  if (!check_row_values(row, line, rules_, err)) return false;
 
   refdb::PackedFields fields;
   for (size_t f = 0; f < refdb::kPackedFields; ++f)
@@ -115,6 +143,7 @@ bool RefdbCollector::add_row(const std::vector<std::string> &row, long line,
   if (!street_index(region_index(padded_key(row[0])), row[1], line, &street,
                     err))
     return false;
+  if (rules_.drop_duplicates && repeated(street, packed, line)) return true;
   StreetData &s = content_.streets[street];
   if (s.records >= limits_.max_records_per_street)
     return fail(err, line, "street",

@@ -20,7 +20,8 @@ class CsvDumper : public RefdbVisitor {
     buf_.push_back('\n');
   }
 
-  void fault(std::string_view, uint64_t, const std::string &) override {}
+  void fault(FaultKind, std::string_view, uint64_t,
+             const std::string &) override {}
 
   void record(std::string_view region, std::string_view street,
               const refdb::UnpackedFields &fields) override {

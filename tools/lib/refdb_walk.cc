@@ -64,10 +64,12 @@ void Walker::check_sizes() {
   const std::string &base = img_.basedata;
   totals_->date = base.substr(0, refdb::kDateBytes);
   if (base.size() < refdb::kDateBytes)
-    visitor_->fault("BASEDATA", 0, "shorter than its 8-byte date header");
+    visitor_->fault(FaultKind::kFileLength, "BASEDATA", 0,
+                    "shorter than its 8-byte date header");
   auto whole_units = [this](std::string_view file, size_t size) {
     if (size % refdb::kUnitBytes != 0)
-      visitor_->fault(file, size - size % refdb::kUnitBytes,
+      visitor_->fault(FaultKind::kFileLength, file,
+                      size - size % refdb::kUnitBytes,
                       "length " + std::to_string(size) +
                           " is not a whole number of 23200-byte units");
   };
@@ -81,7 +83,7 @@ void Walker::walk_level1() {
   for (uint64_t pos = 0; pos < l1.size(); pos += refdb::kLevel1RecordBytes) {
     if (l1.size() - pos < refdb::kLevel1RecordBytes) {
       visitor_->fault(
-          "LEVEL1", pos,
+          FaultKind::kLevel1, "LEVEL1", pos,
           "partial record of " + std::to_string(l1.size() - pos) + " bytes");
       return;
     }
@@ -89,10 +91,11 @@ void Walker::walk_level1() {
     if (load_be32(rec) == 0) return;  // end record
     std::string_view key(l1.data() + pos, refdb::kKeyBytes);
     region_ = trim_key(key);
-    if (region_.empty()) visitor_->fault("LEVEL1", pos, "key is blank");
+    if (region_.empty())
+      visitor_->fault(FaultKind::kLevel1, "LEVEL1", pos, "key is blank");
     if (!prev_key.empty() && key <= prev_key)
       visitor_->fault(
-          "LEVEL1", pos,
+          FaultKind::kLevel1, "LEVEL1", pos,
           "key " + quoted(region_) + " is not above the key before it");
     prev_key = key;
     ++totals_->regions;
@@ -106,10 +109,10 @@ void Walker::walk_segment(uint64_t l1_offset, uint32_t off, uint32_t len,
                           uint16_t count) {
   uint64_t end = uint64_t{off} + len;
   if (end > img_.level2.size()) {
-    visitor_->fault("LEVEL1", l1_offset + refdb::kLevel1OffsetAt,
-                    "segment of region " + quoted(region_) + " at " +
-                        std::to_string(off) + " length " + std::to_string(len) +
-                        " runs past the end of LEVEL2");
+    visitor_->fault(
+        FaultKind::kSegment, "LEVEL1", l1_offset + refdb::kLevel1OffsetAt,
+        "segment of region " + quoted(region_) + " at " + std::to_string(off) +
+            " length " + std::to_string(len) + " runs past the end of LEVEL2");
     return;
   }
   uint64_t pos = off;
@@ -122,7 +125,7 @@ void Walker::walk_segment(uint64_t l1_offset, uint32_t off, uint32_t len,
       int c =
           refdb::compare_padded(prev, street.name, refdb::kStreetOrderBytes);
       if (c > 0 || (c == 0 && prev >= street.name))
-        visitor_->fault("LEVEL2", pos,
+        visitor_->fault(FaultKind::kStreetRecord, "LEVEL2", pos,
                         "street " + quoted(street.name) +
                             " is not above the street before it");
     }
@@ -133,16 +136,16 @@ void Walker::walk_segment(uint64_t l1_offset, uint32_t off, uint32_t len,
     pos += refdb::kLevel2FixedBytes + street.name.size() + 1;
   }
   if (found != count)
-    visitor_->fault("LEVEL1", l1_offset + refdb::kLevel1CountAt,
-                    "region " + quoted(region_) + " counts " +
-                        std::to_string(count) + " streets, its segment holds " +
-                        std::to_string(found));
+    visitor_->fault(
+        FaultKind::kCount, "LEVEL1", l1_offset + refdb::kLevel1CountAt,
+        "region " + quoted(region_) + " counts " + std::to_string(count) +
+            " streets, its segment holds " + std::to_string(found));
 }
 
 bool Walker::read_street(uint64_t pos, uint64_t end, StreetRef *street) {
   const std::string &l2 = img_.level2;
   if (end - pos < refdb::kLevel2FixedBytes + 1) {
-    visitor_->fault("LEVEL2", pos,
+    visitor_->fault(FaultKind::kStreetRecord, "LEVEL2", pos,
                     "street record needs at least 11 bytes, " +
                         std::to_string(end - pos) + " left in the segment");
     return false;
@@ -151,7 +154,7 @@ bool Walker::read_street(uint64_t pos, uint64_t end, StreetRef *street) {
   uint64_t limit = std::min<uint64_t>(end, name_at + refdb::kMaxNameBytes + 1);
   const void *nul = std::memchr(l2.data() + name_at, '\0', limit - name_at);
   if (nul == nullptr) {
-    visitor_->fault("LEVEL2", name_at,
+    visitor_->fault(FaultKind::kStreetRecord, "LEVEL2", name_at,
                     limit - name_at > refdb::kMaxNameBytes
                         ? "street name longer than 30 bytes"
                         : "street name not terminated inside its segment");
@@ -175,7 +178,7 @@ void Walker::walk_block(const StreetRef &street) {
   std::string where =
       "street " + quoted(street.name) + " of region " + quoted(region_);
   if (pos < refdb::kDateBytes || end > base.size()) {
-    visitor_->fault("LEVEL2", street.level2_offset,
+    visitor_->fault(FaultKind::kBlock, "LEVEL2", street.level2_offset,
                     "block of " + where + " at " + std::to_string(pos) +
                         " length " + std::to_string(street.block_length) +
                         " lies outside BASEDATA");
@@ -188,7 +191,7 @@ void Walker::walk_block(const StreetRef &street) {
     size_t len =
         refdb::unpack_record(bytes(base) + pos, end - pos, &fields, &why);
     if (len == 0) {
-      visitor_->fault("BASEDATA", pos + why.offset,
+      visitor_->fault(FaultKind::kRecord, "BASEDATA", pos + why.offset,
                       why.message + " (record " + std::to_string(found + 1) +
                           " of " + where + ")");
       return;
@@ -199,7 +202,7 @@ void Walker::walk_block(const StreetRef &street) {
     pos += len;
   }
   if (found != street.count)
-    visitor_->fault("LEVEL2", street.level2_offset + 8,
+    visitor_->fault(FaultKind::kCount, "LEVEL2", street.level2_offset + 8,
                     where + " counts " + std::to_string(street.count) +
                         " records, its block holds " + std::to_string(found));
 }
@@ -224,6 +227,19 @@ bool read_whole(const std::string &path, std::string *out, std::string *error) {
 }
 
 }  // namespace
+
+std::string_view fault_kind_title(FaultKind kind) {
+  constexpr std::string_view kTitles[kFaultKinds] = {
+      "file lengths",
+      "LEVEL1 records",
+      "segments outside LEVEL2",
+      "LEVEL2 street records",
+      "blocks outside BASEDATA",
+      "BASEDATA records that do not decode",
+      "counts that disagree with the contents",
+  };
+  return kTitles[static_cast<size_t>(kind)];
+}
 
 bool load_reference_images(const std::string &dir, RefdbImages *images,
                            std::string *error) {

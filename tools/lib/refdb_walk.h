@@ -33,11 +33,27 @@ struct WalkTotals {
   std::string date;  // the BASEDATA header (shorter when the file is)
 };
 
+// The kinds of structural fault, in the order a report lists them.
+enum class FaultKind {
+  kFileLength,    // a file too short or not in whole units
+  kLevel1,        // LEVEL1 records: partial, blank or out-of-order keys
+  kSegment,       // segments that LEVEL1 places outside LEVEL2
+  kStreetRecord,  // LEVEL2 street records: short, bad names, out of order
+  kBlock,         // blocks that LEVEL2 places outside BASEDATA
+  kRecord,        // packed records in BASEDATA that do not decode
+  kCount,         // counts that disagree with what was found
+};
+inline constexpr size_t kFaultKinds = 7;
+
+// What faults of a kind are, for the headings of a report: "blocks
+// outside BASEDATA".
+std::string_view fault_kind_title(FaultKind kind);
+
 class RefdbVisitor {
  public:
   virtual ~RefdbVisitor() = default;
   // file is "LEVEL1", "LEVEL2" or "BASEDATA".
-  virtual void fault(std::string_view file, uint64_t offset,
+  virtual void fault(FaultKind kind, std::string_view file, uint64_t offset,
                      const std::string &message) = 0;
   // A record that decoded cleanly. region is the key without its padding.
   virtual void record(std::string_view region, std::string_view street,

@@ -4,46 +4,77 @@ import java.nio.charset.StandardCharsets;
 import java.util.Arrays;
 
 /**
- * An input address, built field by field and turned into the 200-byte input record. Texts are
- * encoded as ISO-8859-1, cut to their field widths and blank-padded.
+ * An input address, built field by field and turned into the 200-byte input record.
+ *
+ * <p>By default the fields are taken as people write them and tidied by the library's input
+ * normalisation, as the batch tool does: letters in upper case, blanks collapsed, full-width
+ * letters and digits made plain, the region as its key (HK, KLN, NT) whether spelt out
+ * ("Kowloon", "N.T.") or taken from the district ("Tsim Sha Tsui") when it is empty. {@link
+ * #normalised(boolean) normalised(false)} places the fields as given instead (encoded as
+ * ISO-8859-1, cut to their widths), for callers that already write the matcher's form.
  */
 public final class Address {
-  private final byte[] record = new byte[200];
+  private static final int REFCODE = 0;
+  private static final int PREMNO = 1;
+  private static final int STREET = 2;
+  private static final int BUILDING = 3;
+  private static final int UNIT = 4;
+  private static final int EXTRA = 5;
+  private static final int DISTRICT = 6;
+  private static final int REGION = 7;
+  private static final int MODE = 8;
+  // Offset and width of each field in the record; the unit line continues at 193 for 5.
+  private static final int[] OFFSET = {7, 10, 18, 48, 78, 103, 133, 163, 199};
+  private static final int[] WIDTH = {3, 8, 30, 30, 25, 30, 30, 30, 1};
 
-  public Address() {
-    Arrays.fill(record, (byte) ' ');
-  }
+  private final String[] fields = new String[9];
+  private boolean normalised = true;
 
-  private Address put(int offset, int width, String text) {
-    byte[] bytes = text == null ? new byte[0] : text.getBytes(StandardCharsets.ISO_8859_1);
-    Arrays.fill(record, offset, offset + width, (byte) ' ');
-    System.arraycopy(bytes, 0, record, offset, Math.min(width, bytes.length));
+  private Address set(int field, String text) {
+    fields[field] = text;
     return this;
   }
 
-  public Address refCode(String s) { return put(7, 3, s); }
-  public Address premiseNumber(String s) { return put(10, 8, s); }
-  public Address street(String s) { return put(18, 30, s); }
-  public Address building(String s) { return put(48, 30, s); }
-  public Address extraLine(String s) { return put(103, 30, s); }
-  public Address district(String s) { return put(133, 30, s); }
-  public Address region(String s) { return put(163, 30, s); }
+  public Address refCode(String s) { return set(REFCODE, s); }
+  public Address premiseNumber(String s) { return set(PREMNO, s); }
+  public Address street(String s) { return set(STREET, s); }
+  public Address building(String s) { return set(BUILDING, s); }
+  public Address extraLine(String s) { return set(EXTRA, s); }
+  public Address district(String s) { return set(DISTRICT, s); }
+  public Address region(String s) { return set(REGION, s); }
 
-  /** The 30-character floor and unit line, stored in its two pieces of 25 and 5. */
-  public Address unitLine(String s) {
-    String text = s == null ? "" : s;
-    put(78, 25, text.length() > 25 ? text.substring(0, 25) : text);
-    return put(193, 5, text.length() > 25 ? text.substring(25) : "");
-  }
+  /** The floor and unit line of up to 30 characters (stored in pieces of 25 and 5). */
+  public Address unitLine(String s) { return set(UNIT, s); }
 
   /** The record mode byte ('1', '3', '4', 'E', 'F'); blank when not set. */
-  public Address mode(char c) {
-    record[199] = (byte) c;
+  public Address mode(char c) { return set(MODE, String.valueOf(c)); }
+
+  /** Whether {@link #toRecord} tidies the fields (true, the default) or places them as given. */
+  public Address normalised(boolean on) {
+    normalised = on;
     return this;
   }
 
-  /** A copy of the 200-byte input record. */
+  /**
+   * The 200-byte input record. Tidied, it throws IllegalArgumentException naming the field and the
+   * reason when a field cannot be tidied (characters outside Latin-1 such as Chinese, a control
+   * character, more characters than the field holds).
+   */
   public byte[] toRecord() {
-    return record.clone();
+    return normalised ? Normaliser.record(fields) : asGiven();
+  }
+
+  private byte[] asGiven() {
+    byte[] record = new byte[200];
+    Arrays.fill(record, (byte) ' ');
+    for (int f = 0; f < fields.length; f++) {
+      byte[] b =
+          fields[f] == null ? new byte[0] : fields[f].getBytes(StandardCharsets.ISO_8859_1);
+      System.arraycopy(b, 0, record, OFFSET[f], Math.min(WIDTH[f], b.length));
+      if (f == UNIT && b.length > WIDTH[f]) {
+        System.arraycopy(b, WIDTH[f], record, 193, Math.min(5, b.length - WIDTH[f]));
+      }
+    }
+    return record;
   }
 }

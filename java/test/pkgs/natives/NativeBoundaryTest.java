@@ -17,7 +17,8 @@ import pkgs.natives.examples.GeocodeCsv;
 /**
  * Tests of the native methods in a real virtual machine: results equal to the native batch
  * geocoder's, invalid handles, markers for bad arguments, console messages (captured from a child
- * virtual machine), the source record mapping and concurrent instances.
+ * virtual machine), the source record mapping, concurrent instances and the Address builder's
+ * input normalisation.
  *
  * <p>Arguments: the sample database directory, the sample addresses CSV and the hkgeocode
  * executable. Prints "N passed, N failed" and exits non-zero on any failure.
@@ -48,6 +49,7 @@ public final class NativeBoundaryTest {
     copyFieldsMapsSourceRecords();
     threadsGiveIdenticalResults();
     minProcessLeavesTheInstanceCounters();
+    addressesAreTidiedLikeTheBatchTool();
     System.out.println(passed + " passed, " + failed + " failed");
     System.exit(failed == 0 ? 0 : 1);
   }
@@ -138,7 +140,8 @@ public final class NativeBoundaryTest {
     check(same == records.size(), "JNI results equal native results: " + same);
     GeocodeResult first = new GeocodeResult(got.get(0));
     check(
-        ReturnCodes.returnMeaning('7').equals("LEVEL1 cannot be opened")
+        ReturnCodes.returnMeaning('7').startsWith("LEVEL1 cannot be opened")
+            && ReturnCodes.matchMeaning('5').startsWith("ambiguous: ")
             && first.returnMeaning().equals(ReturnCodes.returnMeaning(first.returnCode()))
             && first.matchMeaning() != null,
         "codes and meanings come from the library's table");
@@ -331,5 +334,41 @@ public final class NativeBoundaryTest {
     check(
         processed.length() > 75 && processed.substring(61, 75).trim().equals("3"),
         "the statement counts the 3 process calls only: [" + processed + "]");
+  }
+
+  // People's spelling, tidied through the library, gives the record of the matcher's own form; a
+  // field the library refuses gives its reason; the native method never throws.
+  private static void addressesAreTidiedLikeTheBatchTool() {
+    byte[] want =
+        new Address().premiseNumber("22").street("CASTLE PEAK ROAD").district("SHAM SHUI PO")
+            .region("KLN").normalised(false).toRecord();
+    Address[] spellings = {
+      new Address().premiseNumber(" 22 ").street("castle  peak road").district("Sham Shui Po"),
+      new Address().premiseNumber("\uff12\uff12").street("Castle Peak Road")
+          .district("sham shui po").region("Kowloon"),
+    };
+    for (Address a : spellings) {
+      check(Arrays.equals(a.toRecord(), want), "tidied: [" + new String(a.toRecord()) + "]");
+    }
+    try (Geocoder g = Geocoder.open(db)) {
+      check(g.geocode(spellings[0]).isMatched(), "a tidied address is matched");
+    }
+    String asGiven =
+        new String(new Address().street("castle peak").normalised(false).toRecord(), 18, 11,
+            StandardCharsets.ISO_8859_1);
+    check(asGiven.equals("castle peak"), "normalised(false) places the text as given");
+    String reason = "";
+    try {
+      new Address().district("\u4e5d\u9f8d").toRecord();
+    } catch (IllegalArgumentException e) {
+      reason = e.getMessage();
+    }
+    check(reason.startsWith("district: '\u4e5d' (U+4E5D) has no Latin-1 form"),
+        "Chinese text is refused with its reason: " + reason);
+    byte[] why = new byte[64];
+    check(Normaliser.normalise(null, new byte[200], why) == 5
+            && Normaliser.normalise(new byte[9][], new byte[10], null) == 5
+            && Normaliser.normalise(new byte[3][], new byte[200], new byte[0]) == 5,
+        "bad arguments give status 5, no exception");
   }
 }

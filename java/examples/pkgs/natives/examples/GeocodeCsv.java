@@ -21,8 +21,9 @@ import pkgs.natives.Geocoder;
  *
  * <p>Usage: {@code java -Djava.library.path=LIBDIR -cp orloHKGeocoder.jar
  * pkgs.natives.examples.GeocodeCsv DBDIR ADDRESSES.csv [THREADS]}. The input has the header
- * refcode,premno,street,building,unit,extra,district,region,mode; the output (standard output)
- * repeats the street and region and adds the result.
+ * refcode,premno,street,building,unit,extra,district,region,mode and is UTF-8 text as people
+ * write it (the Address builder tidies it); the output (standard output) repeats the street and
+ * region and adds the result.
  */
 public final class GeocodeCsv {
   private GeocodeCsv() {}
@@ -70,7 +71,7 @@ public final class GeocodeCsv {
   /** Reads the addresses of a CSV file with the header above. */
   public static List<Address> readAddresses(Path csv) throws IOException {
     List<Address> list = new ArrayList<>();
-    try (BufferedReader in = Files.newBufferedReader(csv, StandardCharsets.ISO_8859_1)) {
+    try (BufferedReader in = Files.newBufferedReader(csv, StandardCharsets.UTF_8)) {
       String header = in.readLine();
       if (header == null) {
         return list;

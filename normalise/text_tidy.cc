@@ -1,0 +1,147 @@
+#include "normalise/text_tidy.h"
+
+#include <utf8proc.h>
+
+#include <cstdio>
+#include <vector>
+
+#include "orlo_normalise.h"
+
+namespace orlo::norm {
+namespace {
+
+using CodePoints = std::vector<utf8proc_int32_t>;
+
+// Compatibility decomposition (full-width and other presentation forms to
+// their plain letters and digits), typographic quotes, dashes and spaces
+// lumped into ASCII, invisible format characters (a byte-order mark among
+// them) dropped, then composed
+// again so that a letter and its accent become one Latin-1 letter.
+constexpr auto kUnicodeForm = static_cast<utf8proc_option_t>(
+    UTF8PROC_COMPOSE | UTF8PROC_COMPAT | UTF8PROC_LUMP | UTF8PROC_IGNORE |
+    UTF8PROC_STABLE);
+
+// Decodes valid UTF-8; anything else is Latin-1, one byte a character.
+CodePoints decode(std::string_view text) {
+  const auto *p = reinterpret_cast<const utf8proc_uint8_t *>(text.data());
+  auto left = static_cast<utf8proc_ssize_t>(text.size());
+  CodePoints cps;
+  cps.reserve(text.size());
+  while (left > 0) {
+    utf8proc_int32_t cp;
+    utf8proc_ssize_t n = utf8proc_iterate(p, left, &cp);
+    if (n <= 0) {
+      cps.assign(text.begin(), text.end());
+      for (auto &c : cps) c &= 0xFF;  // bytes, not signed chars
+      return cps;
+    }
+    cps.push_back(cp);
+    p += n;
+    left -= n;
+  }
+  return cps;
+}
+
+bool line_space(utf8proc_int32_t cp) {
+  return cp == '\t' || cp == '\n' || cp == '\v' || cp == '\f' || cp == '\r' ||
+         cp == 0x85 || cp == 0x2028 || cp == 0x2029;
+}
+
+bool control(utf8proc_int32_t cp) {
+  return cp < 0x20 || (cp >= 0x7F && cp <= 0x9F);
+}
+
+std::string utf8_of(utf8proc_int32_t cp) {
+  utf8proc_uint8_t buf[4];
+  utf8proc_ssize_t n = utf8proc_encode_char(cp, buf);
+  return std::string(reinterpret_cast<const char *>(buf),
+                     static_cast<size_t>(n));
+}
+
+std::string code_name(utf8proc_int32_t cp) {
+  char buf[16];
+  std::snprintf(buf, sizeof buf, "U+%04X", static_cast<unsigned>(cp));
+  return buf;
+}
+
+// Blanks for line breaks and tabs; other control characters are refused,
+// with their place in the text as given.
+int32_t check_controls(CodePoints *cps, std::string *reason) {
+  for (size_t i = 0; i < cps->size(); ++i) {
+    utf8proc_int32_t &cp = (*cps)[i];
+    if (line_space(cp)) {
+      cp = ' ';
+    } else if (control(cp)) {
+      *reason = "control character " + code_name(cp) + " at character " +
+                std::to_string(i + 1);
+      return ORLO_NORM_CONTROL;
+    }
+  }
+  return ORLO_NORM_OK;
+}
+
+// Applies kUnicodeForm through the library's own tables.
+CodePoints unicode_form(const CodePoints &cps) {
+  std::string utf8;
+  for (utf8proc_int32_t cp : cps) utf8 += utf8_of(cp);
+  const auto *p = reinterpret_cast<const utf8proc_uint8_t *>(utf8.data());
+  auto len = static_cast<utf8proc_ssize_t>(utf8.size());
+  CodePoints out(utf8.size() + 1);
+  utf8proc_ssize_t n;
+  // A decomposition can be longer than its text; the call says how long.
+  while ((n = utf8proc_decompose(
+              p, len, out.data(), static_cast<utf8proc_ssize_t>(out.size()),
+              kUnicodeForm)) > static_cast<utf8proc_ssize_t>(out.size()))
+    out.resize(static_cast<size_t>(n));
+  if (n < 0) return cps;  // cannot happen on valid code points
+  n = utf8proc_normalize_utf32(out.data(), n, kUnicodeForm);
+  out.resize(n < 0 ? 0 : static_cast<size_t>(n));
+  return out;
+}
+
+// A character outside Latin-1 written as the Latin-1 letter it is without
+// its accents ("Ā" as "A"); -1 when it has no such form, 0 for an accent
+// standing alone (dropped).
+utf8proc_int32_t latin1_form(utf8proc_int32_t cp) {
+  utf8proc_int32_t parts[8];
+  int boundclass = UTF8PROC_BOUNDCLASS_START;
+  utf8proc_ssize_t n = utf8proc_decompose_char(
+      cp, parts, 8,
+      static_cast<utf8proc_option_t>(UTF8PROC_DECOMPOSE | UTF8PROC_STRIPMARK),
+      &boundclass);
+  if (n == 0) return 0;
+  if (n == 1 && parts[0] <= 0xFF && !control(parts[0])) return parts[0];
+  return -1;
+}
+
+}  // namespace
+
+int32_t tidy_text(std::string_view text, std::string *out,
+                  std::string *reason) {
+  out->clear();
+  CodePoints cps = decode(text);
+  if (int32_t st = check_controls(&cps, reason); st != ORLO_NORM_OK) return st;
+  bool blank_due = false;
+  for (utf8proc_int32_t cp : unicode_form(cps)) {
+    if (cp > 0xFF) {
+      utf8proc_int32_t plain = latin1_form(cp);
+      if (plain < 0) {
+        *reason = "'" + utf8_of(cp) + "' (" + code_name(cp) +
+                  ") has no Latin-1 form; write the address in English";
+        return ORLO_NORM_NOT_LATIN1;
+      }
+      if (plain == 0) continue;
+      cp = plain;
+    }
+    if (cp == ' ') {
+      blank_due = !out->empty();
+      continue;
+    }
+    if (blank_due) out->push_back(' ');
+    blank_due = false;
+    out->push_back(static_cast<char>(upper_latin1(static_cast<uint8_t>(cp))));
+  }
+  return ORLO_NORM_OK;
+}
+
+}  // namespace orlo::norm
