@@ -9,6 +9,8 @@
 #ifndef ORLO_CODES_H
 #define ORLO_CODES_H
 
+#include "orlo_api.h"
+
 /* clang-format off */
 #define ORLO_RETURN_CODES(X)                                                  \
   X(HKRC_OK, '0', NULL,                                                       \
@@ -68,5 +70,21 @@ enum HKRETCODE { ORLO_RETURN_CODES(ORLO_CODE_ROW) };
 enum HKMATCHSTAT { ORLO_MATCH_STATUSES(ORLO_CODE_ROW) };
 #endif
 #undef ORLO_CODE_ROW
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The plain meaning of a return code (the last column of ORLO_RETURN_CODES)
+ * and of a match status (of ORLO_MATCH_STATUSES), for callers that cannot
+ * read this header's table (bindings in other languages). A static,
+ * NUL-terminated string; NULL when the character is not in the table. Pure
+ * and thread-safe. */
+ORLO_API const char *orlo_return_meaning(char code);
+ORLO_API const char *orlo_status_meaning(char status);
+
+#ifdef __cplusplus
+}
+#endif
 
 #endif /* ORLO_CODES_H */

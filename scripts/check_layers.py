@@ -35,6 +35,7 @@ ROOMS = {
     "hkmatch/search": (["common", "compare"] + MATCHER[:4], []),
     "hkmatch/calls": (["common", "compare"] + MATCHER[:5],
                       ["statement_rules.h", "call_args.h"]),
+    "batch": (["common"], []),
     "native": (["common", "compare", "normalise"] + MATCHER,
                ["geocoder_service.h"]),
     "tools/lib": (["common", "compare", "normalise"] + MATCHER, "*"),
