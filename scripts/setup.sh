@@ -5,7 +5,8 @@ set -euo pipefail
 
 packages=(cmake make g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev
           libbenchmark-dev libutf8proc-dev openjdk-17-jdk-headless cppcheck
-          python3)
+          python3 python3-numpy python3-pandas python3-dask python3-distributed
+          python3-pytest python3-setuptools python3-wheel python3-venv)
 missing=()
 for p in "${packages[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then

@@ -1,0 +1,203 @@
+"""One open geocoder instance, and the input records made from what people
+write."""
+import ctypes
+import math
+import os
+import numbers
+
+from . import _native
+from .records import INPUT_FIELDS, GeocodeResult, meaning
+
+# Records per call of the batch routine: large enough that the crossing
+# costs nothing, small enough to bound the buffers.
+BATCH_RECORDS = 8192
+
+
+class DatabaseError(OSError):
+    """The reference database cannot be opened: the return code, its meaning
+    and the folder."""
+
+    def __init__(self, code, db_dir):
+        self.code = code
+        self.db_dir = db_dir
+        super().__init__(f"cannot open the reference database {db_dir}: "
+                         f"{meaning('R', code)} (return code {code})")
+
+
+class BadInput(ValueError):
+    """An address that cannot be made into an input record, with why."""
+
+
+def field_bytes(name, value):
+    """The bytes of one field value: text as UTF-8, bytes as they are, a
+    whole number as its digits, None and NaN as empty. Raises BadInput for
+    anything else."""
+    if value is None:
+        return b""
+    if isinstance(value, str):
+        return value.encode("utf-8", "surrogateescape")
+    if isinstance(value, (bytes, bytearray)):
+        return bytes(value)
+    if isinstance(value, bool):
+        raise BadInput(f"{name}: {value!r} is not an address text")
+    if isinstance(value, numbers.Integral):
+        return str(int(value)).encode()
+    if isinstance(value, numbers.Real):
+        if math.isnan(value):
+            return b""
+        if float(value).is_integer():
+            return str(int(value)).encode()
+    raise BadInput(f"{name}: {value!r} ({type(value).__name__}) is not an "
+                   "address text")
+
+
+class _Normaliser:
+    """orlo_norm_address with its argument arrays made once."""
+
+    def __init__(self):
+        self._lib = _native.library()
+        self._texts = (ctypes.c_char_p * _native.NORM_FIELD_COUNT)()
+        self._lengths = (ctypes.c_size_t * _native.NORM_FIELD_COUNT)()
+        self._record = ctypes.create_string_buffer(_native.INREC_SIZE)
+        self._fault = _native.NormFault()
+
+    def record(self, values):
+        """The 200-byte input record of nine field byte strings, tidied.
+        Raises BadInput with the library's reason."""
+        for i, v in enumerate(values):
+            self._texts[i] = v
+            self._lengths[i] = len(v)
+        status = self._lib.orlo_norm_address(self._texts, self._lengths,
+                                             self._record, self._fault)
+        if status != 0:
+            raise BadInput(self._fault.reason.decode("utf-8", "replace"))
+        return self._record.raw
+
+
+def _fields_of(mapping):
+    unknown = [k for k in mapping if k not in INPUT_FIELDS]
+    if unknown:
+        raise ValueError(f"unknown address field {unknown[0]!r}; the fields "
+                         f"are {', '.join(INPUT_FIELDS)}")
+    return [field_bytes(name, mapping.get(name)) for name in INPUT_FIELDS]
+
+
+class Geocoder:
+    """One open instance of the matcher on a reference database folder
+    (LEVEL1, LEVEL2, BASEDATA). memory=True holds LEVEL2 and BASEDATA in
+    memory. Instances of the same files share one reference store in the
+    library, so a second one costs little.
+
+    One Geocoder serves one thread at a time; give each thread its own.
+    Use it as a context manager, or call close(). Raises DatabaseError when
+    the database cannot be opened, LibraryNotFound when the library cannot
+    be loaded."""
+
+    def __init__(self, db_dir, memory=False):
+        self._lib = _native.library()
+        self._handle = ctypes.create_string_buffer(_native.HANDLE_SIZE)
+        self._open = False
+        self._normaliser = _Normaliser()
+        self.db_dir = os.fspath(db_dir)
+        paths = [os.path.join(self.db_dir, f).encode()
+                 for f in ("LEVEL1", "LEVEL2", "BASEDATA")]
+        out = ctypes.create_string_buffer(_native.OUTREC_SIZE)
+        self._lib.hk_mtci(b"O", self._handle, None, out,
+                          b" M" if memory else b"", *[None] * 8, *paths,
+                          None, None)
+        self._open = True
+        code = chr(out.raw[0])
+        if code != "0":
+            self.close()
+            raise DatabaseError(code, self.db_dir)
+
+    def close(self):
+        """Closes the instance without an accuracy statement; closing twice
+        does nothing."""
+        if not self._open:
+            return
+        out = ctypes.create_string_buffer(_native.OUTREC_SIZE)
+        self._lib.hk_mtci(b"C", self._handle, None, out, b"L",
+                          *[None] * 13)
+        self._open = False
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *exc):
+        self.close()
+
+    def __del__(self):
+        if getattr(self, "_open", False):
+            self.close()
+
+    def input_record(self, address=None, **fields):
+        """The 200-byte input record of an address: a raw 200-byte record as
+        it is; named fields (a mapping, or keywords: refcode, premno, street,
+        building, unit, extra, district, region, mode) tidied by the
+        library's input normalisation (case, blanks, full-width letters,
+        the region from its spelling or the district). Raises BadInput with
+        the reason when the address cannot be a record."""
+        if isinstance(address, (bytes, bytearray, memoryview)):
+            if fields:
+                raise ValueError("a raw record takes no named fields")
+            rec = bytes(address)
+            if len(rec) != _native.INREC_SIZE:
+                raise BadInput(f"record of {len(rec)} bytes, expected "
+                               f"{_native.INREC_SIZE}")
+            return rec
+        mapping = dict(address or {}, **fields)
+        return self._normaliser.record(_fields_of(mapping))
+
+    def geocode(self, address=None, **fields):
+        """Geocodes one address (see input_record) into a GeocodeResult. An
+        address that cannot be a record gives a result with return code E
+        and the reason, not an exception."""
+        if fields or address is None:
+            address = dict(address or {}, **fields)
+        return self.geocode_many([address])[0]
+
+    def geocode_records(self, records, count):
+        """Geocodes `count` 200-byte records laid end to end in `records`
+        with one call of the library, and returns the 300-byte output
+        records end to end."""
+        if len(records) != count * _native.INREC_SIZE:
+            raise ValueError(f"{len(records)} bytes are not {count} records")
+        if not self._open:
+            raise ValueError("the geocoder is closed")
+        out = ctypes.create_string_buffer(count * _native.OUTREC_SIZE)
+        self._lib.orlo_process_batch(self._handle, records, out, count)
+        return out.raw
+
+    def geocode_many(self, addresses):
+        """Geocodes an iterable of addresses (raw 200-byte records, or
+        mappings of named fields) and returns their results in order, one
+        crossing into the library per BATCH_RECORDS records. Addresses that
+        cannot be records get return code E and the reason; the rest are
+        geocoded all the same."""
+        results = []
+        pending, slots = [], []
+
+        def flush():
+            out = self.geocode_records(b"".join(pending), len(pending))
+            for k, slot in enumerate(slots):
+                start = k * _native.OUTREC_SIZE
+                results[slot] = GeocodeResult(
+                    out[start:start + _native.OUTREC_SIZE])
+            pending.clear()
+            slots.clear()
+
+        for address in addresses:
+            try:
+                rec = self.input_record(address)
+            except BadInput as e:
+                results.append(GeocodeResult(reason=str(e)))
+                continue
+            results.append(None)
+            pending.append(rec)
+            slots.append(len(results) - 1)
+            if len(pending) == BATCH_RECORDS:
+                flush()
+        if pending:
+            flush()
+        return results

@@ -1,0 +1,147 @@
+"""The 300-byte output record read into named fields, under the column names
+that hkgeocode gives them, and the result object built on it."""
+from . import _native
+
+# (offset, width) of the output record's fields, as include/orlo_records.h
+# lays them out (a test holds the two together).
+OUT_FIELDS = {
+    "retcode": (0, 1), "premno": (1, 8), "street": (9, 30),
+    "bldg": (39, 30), "unit": (69, 25), "district": (94, 30),
+    "region": (124, 30), "mode": (154, 1), "line1": (155, 50),
+    "line2": (205, 50), "refcode": (255, 3), "refid": (258, 5),
+    "filler": (263, 1), "areachg": (264, 1), "streetchg": (265, 1),
+    "premchg": (266, 1), "matchstat": (267, 1), "refline": (268, 25),
+    "unitext": (293, 5), "grade": (298, 1), "bldgsrc": (299, 1),
+}
+
+# The input fields by name, in the order orlo_norm_address takes them (and
+# of hkgeocode's input columns).
+INPUT_FIELDS = ("refcode", "premno", "street", "building", "unit", "extra",
+                "district", "region", "mode")
+
+# The result columns in hkgeocode's order: the name, and the output field
+# it shows (None for the two meanings, which are looked up).
+RESULT_COLUMNS = (
+    ("return_code", "retcode"), ("return_meaning", None),
+    ("match_status", "matchstat"), ("match_meaning", None),
+    ("out_premno", "premno"), ("out_street", "street"),
+    ("out_building", "bldg"), ("out_unit", "unit"),
+    ("out_district", "district"), ("out_region", "region"),
+    ("line1", "line1"), ("line2", "line2"), ("ref_code", "refcode"),
+    ("ref_id", "refid"), ("area_changed", "areachg"),
+    ("street_changed", "streetchg"), ("premise_changed", "premchg"),
+    ("ref_line", "refline"), ("grade", "grade"),
+    ("building_source", "bldgsrc"),
+)
+RESULT_NAMES = tuple(name for name, _ in RESULT_COLUMNS)
+
+# The return code of a row that was not processed because its values could
+# not make an input record.
+BAD_ROW_CODE = "E"
+PROCESSED_CODES = ("0", "1")
+
+_meanings = {"R": {}, "M": {}}
+
+
+def meaning(kind, code):
+    """The plain meaning of a return code (kind 'R') or match status (kind
+    'M'), from the library's one table of codes."""
+    known = _meanings[kind]
+    if code not in known:
+        lib = _native.library()
+        look = lib.orlo_return_meaning if kind == "R" else \
+            lib.orlo_status_meaning
+        text = look(code.encode("latin-1")) if len(code) == 1 else None
+        known[code] = text.decode() if text is not None else (
+            "unknown return code" if kind == "R" else "unknown match status")
+    return known[code]
+
+
+# The slices of the decoded record that the result columns show, in order,
+# without the two meanings (inserted after the code they explain) and with
+# the unit line as the unit field only (its continuation is added after).
+_UNIT_AT = [f for _, f in RESULT_COLUMNS if f is not None].index("unit")
+_SLICES = tuple((OUT_FIELDS[f][0], OUT_FIELDS[f][0] + OUT_FIELDS[f][1])
+                for _, f in RESULT_COLUMNS if f is not None)
+_UNITEXT = slice(OUT_FIELDS["unitext"][0],
+                 OUT_FIELDS["unitext"][0] + OUT_FIELDS["unitext"][1])
+
+
+def result_values(rec):
+    """The result columns of one output record, in RESULT_COLUMNS order: the
+    fields without their trailing blanks, the unit line whole (its 25
+    characters joined with the 5 of unitext)."""
+    s = rec.decode("latin-1")
+    values = [s[a:b] for a, b in _SLICES]
+    values[_UNIT_AT] += s[_UNITEXT]
+    values = [v.rstrip(" ") for v in values]
+    rc, ms = s[0], s[OUT_FIELDS["matchstat"][0]]
+    values.insert(1, meaning("R", rc))
+    values.insert(3, meaning("M", ms))
+    return values
+
+
+def bad_row_values(reason):
+    """The result columns of a row that was not processed: return code E, the
+    reason, and every other column empty."""
+    return [BAD_ROW_CODE, "bad input row: " + reason] + \
+        [""] * (len(RESULT_COLUMNS) - 2)
+
+
+class GeocodeResult:
+    """The result of one address: every result column as an attribute (the
+    names of hkgeocode's columns: return_code, return_meaning, match_status,
+    line1, line2, ref_code, ...), and `record`, the 300-byte output record
+    (None for a bad input). Values are decoded when first read."""
+    __slots__ = ("record", "reason", "_values")
+
+    def __init__(self, record=None, reason=None):
+        self.record = record
+        self.reason = reason  # why the input was bad; None when it was not
+        self._values = None
+
+    def values(self):
+        """The result columns in order, as a list of strings."""
+        if self._values is None:
+            self._values = (bad_row_values(self.reason) if self.record is None
+                            else result_values(self.record))
+        return self._values
+
+    def as_dict(self):
+        return dict(zip(RESULT_NAMES, self.values()))
+
+    @property
+    def bad(self):
+        """True when the input could not be made into a record."""
+        return self.record is None
+
+    @property
+    def processed(self):
+        """True when the matcher processed the record (return code 0 or 1)."""
+        return self.record is not None and chr(self.record[0]) in \
+            PROCESSED_CODES
+
+    @property
+    def matched(self):
+        """True when a reference address was written (match status 0)."""
+        return self.processed and self.record[267:268] == b"0"
+
+    def __getattr__(self, name):
+        try:
+            index = RESULT_NAMES.index(name)
+        except ValueError:
+            raise AttributeError(name) from None
+        return self.values()[index]
+
+    def __eq__(self, other):
+        return isinstance(other, GeocodeResult) and \
+            (self.record, self.reason) == (other.record, other.reason)
+
+    def __repr__(self):
+        v = self.as_dict()
+        shown = ", ".join(f"{k}={v[k]!r}" for k in
+                          ("return_code", "match_status", "line1", "line2",
+                           "ref_code", "ref_id") if v[k])
+        if self.bad:
+            shown += f", reason={self.reason!r}"
+        return f"GeocodeResult({shown})"
