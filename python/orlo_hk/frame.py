@@ -71,16 +71,21 @@ def column_mapping(frame_columns, columns=None):
     return mapping
 
 
+def _values(series):
+    return series.astype(object).where(series.notna(), None).tolist()
+
+
 def geocode_with(geocoder, df, columns=None):
     """geocode_frame on an open Geocoder."""
     mapping = column_mapping(df.columns, columns)
     clash = [n for n in RESULT_NAMES if n in df.columns]
     if clash:
         raise ValueError(f"the frame already has a result column {clash[0]!r}")
-    sources = [df[mapping[f]] if f in mapping else None for f in INPUT_FIELDS]
     n = len(df)
-    rows = zip(*[s.tolist() if s is not None else [None] * n
-                 for s in sources])
+    # Missing values of every kind (None, NaN, pandas' NA) become None.
+    sources = [_values(df[mapping[f]]) if f in mapping else [None] * n
+               for f in INPUT_FIELDS]
+    rows = zip(*sources)
     result = df.copy()
     values = geocode_rows(geocoder, rows)
     columns = zip(*values) if values else [()] * len(RESULT_NAMES)

@@ -102,13 +102,13 @@ def test_frame_equals_hkgeocode_row_for_row(tmp_path):
 
 def test_frame_bad_values_and_names():
     df = pd.DataFrame({
-        "premno": [22, None, float("nan"), True, "3"],
+        "premno": pd.array([22, pd.NA, float("nan"), True, "3"], dtype=object),
         "street": ["Castle Peak Road", "NATHAN ROAD", ["a list"], "x",
                    "Ferry Street"],
         "region": ["KLN", "KLN", "KLN", "KLN", "Kowloon"]})
     out = orlo_hk.geocode_frame(df, SAMPLE_DB)
     assert list(out["return_code"]) == ["1", "1", "E", "E", "0"]
-    # None and NaN are empty fields; a spelt-out region is tidied to its key.
+    # Missing values are empty fields; a spelt-out region becomes its key.
     assert list(out["out_premno"][:2]) == ["22", ""]
     assert list(out["out_region"]) == ["KLN", "KLN", "", "", "KLN"]
     assert out["return_meaning"][2].startswith("bad input row: street: ")
