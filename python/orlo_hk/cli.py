@@ -36,6 +36,10 @@ The input is read here, in partitions of whole rows, and each partition
 is geocoded on a worker, with one geocoder instance per worker process,
 opened once and reused for every partition it takes. A worker that dies
 has its partitions geocoded again elsewhere: every row is written once.
+Bad rows are written with return code E and the reason, as hkgeocode
+writes them; malformed CSV (a quote left open, a quote inside an
+unquoted field) makes its row bad and ends its partition, where hkgeocode
+ends the whole input.
 
 Options:
   --scheduler ADDRESS  a running scheduler (tcp://host:8786); 'local' (the
@@ -78,12 +82,21 @@ def say(message):
     print(f"orlo_hk geocode: {message}", file=sys.stderr, flush=True)
 
 
+class _Parser(argparse.ArgumentParser):
+    """--help prints the usage line and the description, which lists every
+    option, and nothing argparse would add."""
+
+    def format_help(self):
+        return f"usage: {self.usage}\n\n{self.description}"
+
+
 def parse(argv):
-    p = argparse.ArgumentParser(
+    p = _Parser(
         prog=PROG, description=DESCRIPTION % {"prog": PROG},
         formatter_class=argparse.RawDescriptionHelpFormatter, add_help=True,
         usage=f"{PROG} geocode [OPTIONS] IN.csv OUT.csv")
-    sub = p.add_subparsers(dest="command", metavar="geocode")
+    sub = p.add_subparsers(dest="command", metavar="geocode",
+                           parser_class=_Parser)
     g = sub.add_parser("geocode", prog=f"{PROG} geocode",
                        description=DESCRIPTION % {"prog": PROG},
                        formatter_class=argparse.RawDescriptionHelpFormatter,

@@ -103,7 +103,8 @@ def test_workers_that_see_different_databases(tmp_path, generated):
                                   dashboard_address=None,
                                   silence_logs=50) as c:
         workers = [subprocess.Popen(
-            ["dask-worker", c.scheduler_address, "--nthreads", "1",
+            [sys.executable, "-m", "distributed.cli.dask_worker",
+             c.scheduler_address, "--nthreads", "1",
              "--no-dashboard", "--nworkers", "1"], cwd=home,
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
             for home in homes]
