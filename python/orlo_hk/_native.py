@@ -68,6 +68,9 @@ def _declare(lib):
     lib.orlo_norm_address.argtypes = [c.POINTER(cp), c.POINTER(c.c_size_t),
                                       vp, c.POINTER(NormFault)]
     lib.orlo_norm_address.restype = i32
+    lib.orlo_norm_many.argtypes = [c.POINTER(cp), c.POINTER(c.c_size_t),
+                                   c.c_size_t, vp, c.POINTER(i32)]
+    lib.orlo_norm_many.restype = c.c_int64
     for name in ("orlo_return_meaning", "orlo_status_meaning"):
         getattr(lib, name).argtypes = [c.c_char]
         getattr(lib, name).restype = cp

@@ -6,8 +6,7 @@ import io
 import re
 from collections import Counter
 
-from . import _native
-from .geocoder import BATCH_RECORDS, BadInput, Geocoder, field_bytes
+from .geocoder import BadInput, Geocoder, field_bytes
 from .records import (BAD_ROW_CODE, INPUT_FIELDS, RESULT_NAMES,
                       bad_row_values, result_values)
 
@@ -20,35 +19,20 @@ def geocode_rows(geocoder, rows, prepared=False):
     order), in row order. A row whose values cannot make an input record
     gets return code E and the reason; the other rows are geocoded all the
     same."""
-    record = geocoder._normaliser.record
-    results, pending, slots = [], [], []
-
-    def flush():
-        out = geocoder.geocode_records(b"".join(pending), len(pending))
-        size = _native.OUTREC_SIZE
-        for k, slot in enumerate(slots):
-            results[slot] = result_values(out[k * size:(k + 1) * size])
-        pending.clear()
-        slots.clear()
-
+    items = []
     for values in rows:
+        if prepared or isinstance(values, BadInput):
+            items.append(values if isinstance(values, BadInput)
+                         else list(values))
+            continue
         try:
-            if isinstance(values, BadInput):
-                raise values
-            rec = record(values if prepared else
-                         [field_bytes(name, v)
+            items.append([field_bytes(name, v)
                           for name, v in zip(INPUT_FIELDS, values)])
         except BadInput as e:
-            results.append(bad_row_values(str(e)))
-            continue
-        slots.append(len(results))
-        results.append(None)
-        pending.append(rec)
-        if len(pending) == BATCH_RECORDS:
-            flush()
-    if pending:
-        flush()
-    return results
+            items.append(e)
+    return [result_values(record) if record is not None
+            else bad_row_values(reason)
+            for record, reason in geocoder._match(items)]
 
 
 def column_mapping(frame_columns, columns=None):

@@ -32,6 +32,8 @@ def field_bytes(name, value):
     """The bytes of one field value: text as UTF-8, bytes as they are, a
     whole number as its digits, None and NaN as empty. Raises BadInput for
     anything else."""
+    if type(value) is str:  # the common case first
+        return value.encode("utf-8", "surrogateescape")
     if value is None:
         return b""
     if isinstance(value, str):
@@ -73,13 +75,36 @@ class _Normaliser:
             raise BadInput(self._fault.reason.decode("utf-8", "replace"))
         return self._record.raw
 
+    def many(self, rows):
+        """The records of many rows of nine field byte strings, tidied in one
+        call: (their 200-byte records end to end, and for each row None or
+        a BadInput with the reason it could not be tidied)."""
+        flat = [v for row in rows for v in row]
+        texts = (ctypes.c_char_p * len(flat))(*flat)
+        lengths = (ctypes.c_size_t * len(flat))(*map(len, flat))
+        records = ctypes.create_string_buffer(len(rows) * _native.INREC_SIZE)
+        statuses = (ctypes.c_int32 * len(rows))()
+        self._lib.orlo_norm_many(texts, lengths, len(rows), records, statuses)
+        faults = [None] * len(rows)
+        for i, status in enumerate(statuses):
+            if status != 0:  # rare: ask again, alone, for the reason
+                try:
+                    self.record(rows[i])
+                except BadInput as e:
+                    faults[i] = e
+        return records.raw, faults
+
+
+_FIELD_NAMES = frozenset(INPUT_FIELDS)
+
 
 def _fields_of(mapping):
-    unknown = [k for k in mapping if k not in INPUT_FIELDS]
+    unknown = mapping.keys() - _FIELD_NAMES
     if unknown:
-        raise ValueError(f"unknown address field {unknown[0]!r}; the fields "
-                         f"are {', '.join(INPUT_FIELDS)}")
-    return [field_bytes(name, mapping.get(name)) for name in INPUT_FIELDS]
+        raise ValueError(f"unknown address field {sorted(unknown)[0]!r}; the "
+                         f"fields are {', '.join(INPUT_FIELDS)}")
+    get = mapping.get
+    return [field_bytes(name, get(name)) for name in INPUT_FIELDS]
 
 
 class Geocoder:
@@ -138,6 +163,15 @@ class Geocoder:
         library's input normalisation (case, blanks, full-width letters,
         the region from its spelling or the district). Raises BadInput with
         the reason when the address cannot be a record."""
+        item = self._item(address, fields)
+        if isinstance(item, list):
+            return self._normaliser.record(item)
+        return item
+
+    @staticmethod
+    def _item(address, fields=None):
+        """What _match takes for one address: a checked raw record, or the
+        nine field byte strings to tidy. Raises BadInput."""
         if isinstance(address, (bytes, bytearray, memoryview)):
             if fields:
                 raise ValueError("a raw record takes no named fields")
@@ -146,8 +180,36 @@ class Geocoder:
                 raise BadInput(f"record of {len(rec)} bytes, expected "
                                f"{_native.INREC_SIZE}")
             return rec
-        mapping = dict(address or {}, **fields)
-        return self._normaliser.record(_fields_of(mapping))
+        mapping = dict(address or {}, **fields) if fields or \
+            not hasattr(address, "keys") else address
+        return _fields_of(mapping)
+
+    def _match(self, items):
+        """Geocodes items (a 200-byte record, nine field byte strings to
+        tidy, or a BadInput) with one call to tidy and one to geocode per
+        BATCH_RECORDS. Returns (output record, None) or (None, reason) for
+        each item, in order."""
+        size = _native.OUTREC_SIZE
+        results = []
+        for start in range(0, len(items), BATCH_RECORDS):
+            chunk = list(items[start:start + BATCH_RECORDS])
+            tidy = [k for k, item in enumerate(chunk) if isinstance(item, list)]
+            if tidy:
+                records, faults = self._normaliser.many([chunk[k]
+                                                         for k in tidy])
+                for j, k in enumerate(tidy):
+                    chunk[k] = faults[j] or records[j * _native.INREC_SIZE:
+                                                    (j + 1) *
+                                                    _native.INREC_SIZE]
+            good = [k for k, item in enumerate(chunk)
+                    if not isinstance(item, BadInput)]
+            out = self.geocode_records(b"".join(chunk[k] for k in good),
+                                       len(good))
+            done = [(None, str(item)) for item in chunk]
+            for j, k in enumerate(good):
+                done[k] = (out[j * size:(j + 1) * size], None)
+            results.extend(done)
+        return results
 
     def geocode(self, address=None, **fields):
         """Geocodes one address (see input_record) into a GeocodeResult. An
@@ -175,29 +237,11 @@ class Geocoder:
         crossing into the library per BATCH_RECORDS records. Addresses that
         cannot be records get return code E and the reason; the rest are
         geocoded all the same."""
-        results = []
-        pending, slots = [], []
-
-        def flush():
-            out = self.geocode_records(b"".join(pending), len(pending))
-            for k, slot in enumerate(slots):
-                start = k * _native.OUTREC_SIZE
-                results[slot] = GeocodeResult(
-                    out[start:start + _native.OUTREC_SIZE])
-            pending.clear()
-            slots.clear()
-
+        items = []
         for address in addresses:
             try:
-                rec = self.input_record(address)
+                items.append(self._item(address))
             except BadInput as e:
-                results.append(GeocodeResult(reason=str(e)))
-                continue
-            results.append(None)
-            pending.append(rec)
-            slots.append(len(results) - 1)
-            if len(pending) == BATCH_RECORDS:
-                flush()
-        if pending:
-            flush()
-        return results
+                items.append(e)
+        return [GeocodeResult(record, reason)
+                for record, reason in self._match(items)]
