@@ -177,11 +177,6 @@ bool RowSource::next_csv(InputRow *row) {
     ended_ = true;
     return true;
   }
-  if (raw_) {
-    record_from_fields(row->fields, &row->record, &row->error);
-  } else {
-    normalised_record(row->fields, &row->record, &row->error);
-  }
   return true;
 }
 
@@ -197,7 +192,7 @@ bool RowSource::next_fixed(InputRow *row) {
         "the input starts with a byte-order mark, as text files do; "
         "--fixed reads raw 200-byte records";
   } else if (check_raw_record(rec, &row->error)) {
-    row->record = std::move(rec);
+    row->record = rec;
   }
   if (n < HKINREC_SIZE) ended_ = true;
   return true;
@@ -206,16 +201,27 @@ bool RowSource::next_fixed(InputRow *row) {
 size_t RowSource::read_batch(size_t n, std::vector<InputRow> *rows) {
   size_t added = 0;
   while (added < n && !ended_) {
-    InputRow row;
+    if (rows->size() == added) rows->emplace_back();
+    InputRow &row = (*rows)[added];
+    row.line = 0;
+    row.record.clear();
+    row.error.clear();
     bool got = fixed_ ? next_fixed(&row) : next_csv(&row);
     if (!got) {
       ended_ = true;
       break;
     }
-    rows->push_back(std::move(row));
     ++added;
   }
   return added;
+}
+
+void make_record(InputRow *row, bool raw) {
+  if (raw) {
+    record_from_fields(row->fields, &row->record, &row->error);
+  } else {
+    normalised_record(row->fields, &row->record, &row->error);
+  }
 }
 
 uint64_t RowSource::bytes_read() const {

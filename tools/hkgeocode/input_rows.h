@@ -45,6 +45,10 @@ bool normalised_record(const std::vector<std::string> &fields,
 // Checks a raw input record: 200 bytes of printable ASCII.
 bool check_raw_record(std::string_view record, std::string *error);
 
+// Makes the input record of a CSV row from its fields: as given (raw) or
+// through the input normalisation. A row it refuses gets its error.
+void make_record(InputRow *row, bool raw);
+
 // Reads the input in batches.
 class RowSource {
  public:
@@ -56,8 +60,11 @@ class RowSource {
   // when it is not the expected header.
   bool start(std::string *error);
 
-  // Appends up to n rows to *rows. Returns the number appended; 0 when the
-  // input is exhausted. Malformed CSV yields one bad row and ends the input.
+  // Reads up to n rows into the first places of *rows, reusing the rows
+  // (and the room their texts hold) that are there. Returns the number
+  // read; 0 when the input is exhausted. Malformed CSV yields one bad row
+  // and ends the input. CSV rows come with their fields only: make_record
+  // makes their input records.
   size_t read_batch(size_t n, std::vector<InputRow> *rows);
 
   // Bytes of the input consumed so far (for the progress display).
