@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "compare/latin1_fold.h"
+#include "compare/street_recode.h"
 #include "compare/street_words.h"
 #include "compare/text_bytes.h"
 #include "orlo_compare.h"
@@ -21,46 +22,127 @@ static_assert(kStreetWorkLen <= 255, "word places fit in a byte");
 
 // --- normalisation and recoding ----------------------------------------------
 
-// Leading zeros of every word go, as do full stops; '+' means '&'.
+// One past the last byte of s[0, len) that is not a blank (0 for none);
+// trailing blanks are passed eight at a time.
+int32_t text_end(const char *s, int32_t len) {
+  constexpr uint64_t kBlanks = 0x2020202020202020ULL;
+  while (len >= 8) {
+    uint64_t w;
+    std::memcpy(&w, s + len - 8, 8);
+    if (w != kBlanks) break;
+    len -= 8;
+  }
+  while (len > 0 && is_blank(s[len - 1])) --len;
+  return len;
+}
+
+// Leading zeros of every word go, as do full stops; '+' means '&'. Blanks
+// behind the text change nothing, so only the text is walked.
 void normalise(char *s, int32_t len) {
-  for (int32_t i = 0; i < len; ++i) {
-    if (s[i] == '0' && (i == 0 || is_blank(s[i - 1]))) {
+  const int32_t end = text_end(s, len);
+  for (int32_t i = 0; i < end; ++i) {
+    const char c = s[i];
+    if (c == '0') {
+      if (i == 0 || is_blank(s[i - 1])) s[i] = ' ';
+    } else if (c == '.') {
       s[i] = ' ';
-    } else if (s[i] == '.') {
-      s[i] = ' ';
-    } else if (s[i] == '+') {
+    } else if (c == '+') {
       s[i] = '&';
     }
   }
 }
 
-void recode_words(char *s, int32_t len, bool keep_types) {
-  if (keep_types) {
-    m_recode_new(s, len);
-  } else {
-    m_recode(s, len);
+// xm_lpck from `from` into `to` (which holds the same bytes): the non-blank
+// bytes moved left in order, the rest of the field blank unless nothing was
+// kept. Returns the number kept; *digit tells whether one is a digit.
+int32_t pack_blanks(const char *from, char *to, int32_t len, bool *digit) {
+  const int32_t end = text_end(from, len);
+  int32_t n = 0;
+  bool d = false;
+  for (int32_t i = 0; i < end; ++i) {
+    const char c = from[i];
+    to[n] = c;
+    n += !is_blank(c);
+    d |= is_digit(c);
   }
-  m_wrdrec(s, len);
-  drop_ordinals(s, len, true);
+  if (n > 0) std::memset(to + n, ' ', static_cast<size_t>(len - n));
+  *digit = d;
+  return n;
+}
+
+// m_comprs of a packed text of n bytes (no blanks among them): inner vowels
+// and letters repeating the byte before (as that byte now stands) dropped.
+int32_t skeleton_of(const char *p, int32_t n, char *out) {
+  constexpr std::array<bool, 256> kVowel = [] {
+    std::array<bool, 256> v{};
+    for (char c : std::string_view("EAIOU"))
+      v[static_cast<unsigned char>(c)] = true;
+    return v;
+  }();
+  if (n <= 0) return 0;
+  out[0] = p[0];
+  int32_t k = 1;
+  char before = p[0];
+  for (int32_t i = 1; i < n; ++i) {
+    const char c = p[i];
+    const bool drop =
+        (i < n - 1 && kVowel[static_cast<unsigned char>(c)]) || c == before;
+    before = drop ? ' ' : c;
+    if (!drop) out[k++] = c;
+  }
+  return k;
+}
+
+// Two fields of n bytes are equal; eight bytes at a time, as the fields
+// compared are short and mostly differ early.
+bool same_field(const char *a, const char *b, size_t n) {
+  size_t k = 0;
+  for (; k + 8 <= n; k += 8) {
+    uint64_t x, y;
+    std::memcpy(&x, a + k, 8);
+    std::memcpy(&y, b + k, 8);
+    if (x != y) return false;
+  }
+  for (; k < n; ++k) {
+    if (a[k] != b[k]) return false;
+  }
+  return true;
 }
 
 // --- strict classes ----------------------------------------------------------
 
-// Highways, state and county roads, avenues and calles must match closely.
-constexpr std::array<std::string_view, 7> kStrictStarts = {
-    "USHWY", "AVE", "STATERD", "COUNTYRD", "HWY", "CALLE", "CLL"};
-
-// Class of one packed street (the area as packing left it).
-StrictClass strict_class(const StreetArea &s, int32_t packed_len) {
+// Highways, state and county roads, avenues and calles must match closely;
+// so must courts named by one letter ('COURTB'), in a class of their own.
+// Each start is looked at only under its first letter.
+StrictClass strict_class(const StreetArea &s, bool digit) {
   const std::string_view text(s.data(), kStreetWorkLen);
-  for (std::string_view start : kStrictStarts) {
-    if (text.starts_with(start)) return kStrict;
+  switch (text[0]) {
+    case 'U':
+      if (text.starts_with("USHWY")) return kStrict;
+      break;
+    case 'A':
+      if (text.starts_with("AVE")) return kStrict;
+      break;
+    case 'S':
+      if (text.starts_with("STATERD")) return kStrict;
+      break;
+    case 'H':
+      if (text.starts_with("HWY")) return kStrict;
+      break;
+    case 'C':
+      if (text.starts_with("COUNTYRD") || text.starts_with("CALLE") ||
+          text.starts_with("CLL")) {
+        return kStrict;
+      }
+      if (text.starts_with("COURT") && !is_blank(text[5]) &&
+          is_blank(text[6])) {
+        return kLetteredCourt;
+      }
+      break;
+    default:
+      break;
   }
-  // A court followed by a single letter: 'COURTB'.
-  if (text.starts_with("COURT") && !is_blank(text[5]) && is_blank(text[6])) {
-    return kLetteredCourt;
-  }
-  return m_isnumb(s.data(), packed_len) ? kStrict : kOrdinary;
+  return digit ? kStrict : kOrdinary;
 }
 
 // --- character stage ---------------------------------------------------------
@@ -199,9 +281,10 @@ void recode_and_pack(const StreetArea &area, int32_t len,
                      const StreetOptions &opt, StreetAreas &out) {
   out.recoded = area;
   normalise(out.recoded.data(), len);
-  recode_words(out.recoded.data(), len, opt.keep_types);
+  recode_street_words(out.recoded.data(), len, opt.keep_types);
   out.packed = out.recoded;
-  out.packed_len = xm_lpck(out.packed.data(), len);
+  out.packed_len =
+      pack_blanks(out.recoded.data(), out.packed.data(), len, &out.digit);
 }
 
 void make_form(const char *raw, const StreetAreas &areas, int32_t len,
@@ -210,19 +293,15 @@ void make_form(const char *raw, const StreetAreas &areas, int32_t len,
   std::memcpy(form.packed, areas.packed.data(),
               static_cast<size_t>(len + kLookAhead));
   form.packed_len = static_cast<int16_t>(areas.packed_len);
-  form.strict = strict_class(areas.packed, areas.packed_len);
-  form.blank =
-      std::all_of(areas.packed.begin(), areas.packed.begin() + len, is_blank);
+  form.strict = strict_class(areas.packed, areas.digit);
+  // Nothing kept by packing: the field was blank.
+  form.blank = areas.packed_len == 0;
   // The skeleton stage passes over streets whose packed text holds a digit;
   // a skeleton of length 0 says so.
-  form.skeleton_len = 0;
-  if (!m_isnumb(areas.packed.data(), areas.packed_len)) {
-    StreetArea skeleton = areas.packed;
-    form.skeleton_len =
-        static_cast<int16_t>(m_comprs(skeleton.data(), areas.packed_len));
-    std::memcpy(form.skeleton, skeleton.data(),
-                static_cast<size_t>(form.skeleton_len));
-  }
+  form.skeleton_len =
+      areas.digit ? 0
+                  : static_cast<int16_t>(skeleton_of(
+                        areas.packed.data(), areas.packed_len, form.skeleton));
   form.skeleton[form.skeleton_len] = ' ';
   StreetWordList words{form.words};
   split_street_words(areas.recoded.data(), len, form.word_text, words);
@@ -241,10 +320,10 @@ void prepare_street(const char *street, int32_t len, const StreetOptions &opt,
 
 int32_t score_forms(const StreetView &a, const StreetView &b, int32_t len) {
   const size_t n = static_cast<size_t>(len);
-  if (std::memcmp(a.raw, b.raw, n) == 0 && !is_blank(a.raw[0])) return 100;
+  if (same_field(a.raw, b.raw, n) && !is_blank(a.raw[0])) return 100;
   const StrictClass strict = a.strict != kOrdinary ? a.strict : b.strict;
   int32_t score = 0;
-  if (std::memcmp(a.packed, b.packed, n) == 0) {
+  if (same_field(a.packed, b.packed, n)) {
     if (!a.blank) return 98;
     // Both blank: no skeleton, only the word stage could say more.
     score = 88;

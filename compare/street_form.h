@@ -49,7 +49,8 @@ int32_t copy_street(StreetArea &area, const char *street, int32_t len,
 struct StreetWord {
   uint8_t at;
   uint8_t len;
-  bool digit;
+  bool digit;  // holds a digit
+  bool route;  // one of RT, RD, HW
 };
 
 // Strict class of a street: 0 ordinary, 1 strict (highway, state or county
@@ -97,6 +98,7 @@ struct StreetAreas {
   StreetArea recoded;
   StreetArea packed;
   int32_t packed_len = 0;
+  bool digit = false;  // the packed text holds a digit
 };
 
 // Normalises, recodes and packs the copied street `area` (len bytes, from

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "compare/word_nodes.h"
+#include "compare/word_tables.h"
 #include "orlo_compare.h"
 
 namespace orlo {
@@ -29,16 +29,47 @@ constexpr std::array<CompassWord, 4> kCompass = {{
 // Road-type abbreviations that pair with one another.
 constexpr std::array<std::string_view, 3> kRouteWords = {"RT", "RD", "HW"};
 
-// Cuts the text after its last byte that is neither blank nor NUL and
-// removes '-' and '/'. Returns the new length.
-int32_t tidy_street(char *text, int32_t len) {
+// Copies the text up to its last byte that is neither blank nor NUL, less
+// every '-' and '/'. Returns the length copied.
+int32_t tidy_street(const char *from, int32_t len, char *to) {
+  // Eight bytes that are all blanks or NULs have no bit but 0x20 set.
+  constexpr uint64_t kOtherBits = 0xDFDFDFDFDFDFDFDFULL;
   int32_t end = len;
-  while (end > 0 && (text[end - 1] == ' ' || text[end - 1] == '\0')) --end;
+  while (end >= 8) {
+    uint64_t w;
+    std::memcpy(&w, from + end - 8, 8);
+    if ((w & kOtherBits) != 0) break;
+    end -= 8;
+  }
+  while (end > 0 && (from[end - 1] == ' ' || from[end - 1] == '\0')) --end;
   int32_t out = 0;
   for (int32_t i = 0; i < end; ++i) {
-    if (text[i] != '-' && text[i] != '/') text[out++] = text[i];
+    to[out] = from[i];
+    out += from[i] != '-' && from[i] != '/';
   }
+  std::memset(to + out, ' ', static_cast<size_t>(len - out));
   return out;
+}
+
+// The business words that m_iwrdls shortens, looked at only when the length
+// fits: the word is rewritten in place and its new length returned.
+constexpr uint32_t kBusinessLengths = [] {
+  uint32_t lengths = 0;
+  for (const BusinessWord &b : business_words) lengths |= 1u << b.word.size();
+  return lengths;
+}();
+
+int32_t shorten_business_word(char *word, int32_t len) {
+  if (len >= 32 || ((kBusinessLengths >> len) & 1u) == 0) return len;
+  const std::string_view text(word, static_cast<size_t>(len));
+  for (const BusinessWord &b : business_words) {
+    if (text == b.word) {
+      std::memset(word, ' ', static_cast<size_t>(len));
+      std::memcpy(word, b.shortened.data(), b.shortened.size());
+      return static_cast<int32_t>(b.shortened.size());
+    }
+  }
+  return len;
 }
 
 bool is_route_word(std::string_view w) {
@@ -49,17 +80,26 @@ bool is_route_word(std::string_view w) {
 // A street's words with the pairing marks of one comparison.
 struct Side {
   const StreetView &v;
-  std::array<bool, kStreetWords> paired{};
+  uint32_t paired = 0;  // a bit per word
 
   std::string_view text(int32_t i) const {
     const StreetWord &w = v.words[i];
     return {v.word_text + w.at, w.len};
   }
+  bool is_paired(int32_t i) const { return (paired >> i) & 1u; }
   // Once paired, a word takes no further part: its length counts as 0.
-  size_t live_length(int32_t i) const {
-    return paired[static_cast<size_t>(i)] ? 0 : v.words[i].len;
+  uint32_t live_length(int32_t i) const {
+    return is_paired(i) ? 0 : v.words[i].len;
   }
 };
+static_assert(kStreetWords <= 32, "a word mask fits in 32 bits");
+
+bool same_bytes(const char *a, const char *b, uint32_t n) {
+  for (uint32_t k = 0; k < n; ++k) {
+    if (a[k] != b[k]) return false;
+  }
+  return true;
+}
 
 struct Pairing {
   int32_t paired = 0;
@@ -71,16 +111,17 @@ struct Pairing {
 Pairing pair_words(Side &a, Side &b) {
   Pairing r;
   for (int32_t i = 0; i < a.v.word_count; ++i) {
-    const std::string_view wa = a.text(i);
+    const StreetWord &wa = a.v.words[i];
+    const char *ta = a.v.word_text + wa.at;
     for (int32_t j = 0; j < b.v.word_count; ++j) {
-      if (b.live_length(j) != a.live_length(i)) continue;
-      const std::string_view wb = b.text(j);
-      const bool same = wa == wb;
-      if (!same && !(is_route_word(wa) && is_route_word(wb))) continue;
-      if (same && a.v.words[i].digit) ++r.digit_paired;
+      if (b.live_length(j) != wa.len) continue;
+      const StreetWord &wb = b.v.words[j];
+      const bool same = same_bytes(ta, b.v.word_text + wb.at, wa.len);
+      if (!same && !(wa.route && wb.route)) continue;
+      if (same && wa.digit) ++r.digit_paired;
       ++r.paired;
-      a.paired[static_cast<size_t>(i)] = b.paired[static_cast<size_t>(j)] =
-          true;
+      a.paired |= 1u << i;
+      b.paired |= 1u << j;
       break;
     }
   }
@@ -93,8 +134,7 @@ int32_t count_initials(const Side &a, const Side &b) {
   int32_t initials = 0;
   const int32_t n = std::min(a.v.word_count, b.v.word_count);
   for (int32_t k = 0; k < n; ++k) {
-    const size_t u = static_cast<size_t>(k);
-    if (a.paired[u] || b.paired[u]) continue;
+    if (a.is_paired(k) || b.is_paired(k)) continue;
     const StreetWord &wa = a.v.words[k];
     const StreetWord &wb = b.v.words[k];
     if (wa.len != 1 && wb.len != 1) continue;
@@ -109,7 +149,7 @@ bool compass_rule(const Side &a, const Side &b) {
   const bool a_shorter = a.v.words[0].len <= b.v.words[0].len;
   const Side &shorter = a_shorter ? a : b;
   const Side &longer = a_shorter ? b : a;
-  if (shorter.v.words[0].len != 1 || shorter.paired[0]) return false;
+  if (shorter.v.words[0].len != 1 || shorter.is_paired(0)) return false;
   return std::any_of(kCompass.begin(), kCompass.end(), [&](const auto &c) {
     return shorter.text(0) == c.letter && longer.text(0) == c.word;
   });
@@ -137,19 +177,22 @@ bool pairing_rule(const Pairing &p, int32_t digit_words, int32_t longest) {
 void split_street_words(const char *recoded, int32_t len, char *word_text,
                         StreetWordList &list) {
   len = std::clamp(len, 0, kStreetWorkLen);
-  std::memcpy(word_text, recoded, static_cast<size_t>(len));
-  const int32_t n = tidy_street(word_text, len);
-  MWORD nodes[kWordListNodes];
-  MWORD *head = nullptr;
-  MWORD *tail = nullptr;
-  m_iwrdls(nodes, &head, &tail, n, word_text);
+  const int32_t n = tidy_street(recoded, len, word_text);
   list.count = 0;
   list.digit_words = 0;
-  for (const MWORD *p = head; p != nullptr; p = p->next) {
+  int32_t i = 0;
+  while (list.count < kStreetWords) {
+    while (i < n && word_text[i] == ' ') ++i;
+    if (i >= n) break;
+    const int32_t start = i;
+    while (i < n && word_text[i] != ' ') ++i;
     StreetWord &w = list.words[list.count++];
-    w.at = static_cast<uint8_t>(p->text - word_text);
-    w.len = static_cast<uint8_t>(p->len);
-    w.digit = m_isnumb(p->text, p->len) != 0;
+    w.at = static_cast<uint8_t>(start);
+    w.len = static_cast<uint8_t>(
+        shorten_business_word(word_text + start, i - start));
+    w.digit = std::any_of(word_text + start, word_text + start + w.len,
+                          [](char c) { return c >= '0' && c <= '9'; });
+    w.route = is_route_word(std::string_view(word_text + start, w.len));
     list.digit_words += w.digit;
   }
 }
