@@ -123,6 +123,10 @@ typedef struct HKMCB {
   /* 1 once hk_mopn has completed every step of the open; an instance whose
    * open failed keeps 0 and is refused by every call but the close. */
   int32_t opened;
+  /* The street names of the regions searched so far, prepared once for the
+   * fuzzy pass (owning; opaque to callers). NULL until the first fuzzy pass
+   * and in a private copy, which compares name by name. */
+  void *streetnames;
 } HKMCB;
 
 /* The handle area of one instance: word 0 holds the HKMCB address, the rest

@@ -13,6 +13,7 @@
 
 #include "common/byte_order.h"
 #include "hkmatch/refdata/reference_format.h"
+#include "hkmatch/refdata/street_names.h"
 #include "orlo_codes.h"
 #include "orlo_matcher.h"
 
@@ -258,6 +259,7 @@ void release_search_data(HKMCB *m) {
   }
   std::free(m->lvl2buf);
   std::free(m->cands);
+  free_street_names(m);
 }
 
 }  // namespace

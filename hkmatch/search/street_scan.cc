@@ -4,12 +4,14 @@
 // the first name whose initial sorts after the input's.
 #include "hkmatch/search/street_scan.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
 
 #include "hkmatch/refdata/search_alloc.h"
+#include "hkmatch/refdata/street_names.h"
 #include "hkmatch/refdata/street_table.h"
 #include "hkmatch/search/diagnostics.h"
 #include "orlo_codes.h"
@@ -130,8 +132,38 @@ int32_t start_entry(const Scan &s) {
   return 0;
 }
 
+// The fuzzy pass over the region's prepared names: the same names in the
+// same order as the walk below hands to m_street, the same scores, the
+// input's form taken once (through the street cache, as m_street takes it).
+char run_prepared_scan(Scan &s, const RegionStreetNames &region) {
+  if (s.input[0] == ' ' || s.req.in_mode == '3') return HKRC_OK;
+  const PreparedStreetNames &names = region.names();
+  FirstStreet first(s.input, kPaddedName, StreetOptions{});
+  char code = HKRC_OK;
+  auto consider = [&](int32_t i) {
+    const int32_t score = std::max(names.score(first, i), 0);
+    if (score < kCandidateScore) return true;
+    code = append_candidate(s, &s.mcb->lvl2tab[i], score);
+    return code == HKRC_OK;
+  };
+  if (s.mcb->passopt == 2) {
+    for (int32_t i = 0; i < names.size(); ++i) {
+      if (!region.po_box(i) && !consider(i)) break;
+    }
+  } else {
+    region.for_each_admitted(FuzzyInput{s.input, s.input_len, s.street_type},
+                             consider);
+  }
+  return code;
+}
+
 char run_scan(Scan &s) {
   HKMCB *mcb = s.mcb;
+  if (s.mode == Mode::kFuzzy) {
+    if (const RegionStreetNames *region = current_street_names(mcb)) {
+      return run_prepared_scan(s, *region);
+    }
+  }
   int32_t start = start_entry(s);
   if (start < 0) return HKRC_OK;
   char name[kPaddedName];
