@@ -86,6 +86,15 @@ bool RegionStreetNames::admitted(const FuzzyInput &in, int32_t i) const {
   return second && in.len > 0 && k.has_last && p[in.len - 1] == k.last;
 }
 
+bool PreparedRegions::size_for(int32_t regions) {
+  try {
+    regions_.resize(static_cast<size_t>(std::max(regions, 0)));
+  } catch (const std::bad_alloc &) {
+    return false;
+  }
+  return true;
+}
+
 const RegionStreetNames *PreparedRegions::get(int32_t idx, const STREETENT *tab,
                                               int32_t count) {
   if (idx < 0 || static_cast<size_t>(idx) >= regions_.size()) return nullptr;
@@ -102,14 +111,15 @@ const RegionStreetNames *PreparedRegions::get(int32_t idx, const STREETENT *tab,
 
 const RegionStreetNames *current_street_names(HKMCB *mcb) {
   if (mcb->state != 'O') return nullptr;
-  if (mcb->streetnames == nullptr) {
-    try {
-      mcb->streetnames = new PreparedRegions(mcb->lvl1cnt);
-    } catch (const std::bad_alloc &) {
+  auto *regions = static_cast<PreparedRegions *>(mcb->streetnames);
+  if (regions == nullptr) {
+    regions = new (std::nothrow) PreparedRegions();
+    if (regions == nullptr || !regions->size_for(mcb->lvl1cnt)) {
+      delete regions;
       return nullptr;
     }
+    mcb->streetnames = regions;
   }
-  auto *regions = static_cast<PreparedRegions *>(mcb->streetnames);
   return regions->get(mcb->lastidx, mcb->lvl2tab, mcb->lvl2cnt);
 }
 

@@ -102,8 +102,8 @@ void RegionStreetNames::for_each_admitted(const FuzzyInput &in,
 // The prepared names of the regions one instance has searched.
 class PreparedRegions {
  public:
-  explicit PreparedRegions(int32_t regions)
-      : regions_(static_cast<size_t>(regions)) {}
+  // Makes room for `regions` regions; false when storage fails.
+  bool size_for(int32_t regions);
   // Region idx's names, prepared from its street table on first use;
   // nullptr when storage fails.
   const RegionStreetNames *get(int32_t idx, const STREETENT *tab,
