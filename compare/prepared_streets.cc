@@ -30,6 +30,7 @@ PreparedStreetNames::PreparedStreetNames(const char *const *names,
             form.skeleton_len,
             form.word_count,
             form.digit_words,
+            form.word_bits,
             form.strict,
             form.blank};
     pool_.insert(pool_.end(), form.raw, form.raw + raw);
@@ -57,6 +58,7 @@ StreetView PreparedStreetNames::view(int32_t i) const {
           e.skeleton_len,
           e.word_count,
           e.digit_words,
+          e.word_bits,
           e.strict,
           e.blank};
 }

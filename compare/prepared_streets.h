@@ -66,6 +66,7 @@ class PreparedStreetNames {
     int16_t skeleton_len;
     uint8_t word_count;
     uint8_t digit_words;
+    uint64_t word_bits;
     StrictClass strict;
     bool blank;
   };

@@ -307,6 +307,7 @@ void make_form(const char *raw, const StreetAreas &areas, int32_t len,
   split_street_words(areas.recoded.data(), len, form.word_text, words);
   form.word_count = words.count;
   form.digit_words = words.digit_words;
+  form.word_bits = words.bits;
 }
 
 void prepare_street(const char *street, int32_t len, const StreetOptions &opt,

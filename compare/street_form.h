@@ -69,6 +69,7 @@ struct StreetView {
   int16_t skeleton_len;  // 0 when the packed text holds a digit
   uint8_t word_count;
   uint8_t digit_words;  // words that hold a digit
+  uint64_t word_bits;   // see street_words.h: what the words could pair
   StrictClass strict;
   bool blank;  // packed text blank over the whole field
 };
@@ -84,12 +85,14 @@ struct StreetForm {
   int16_t skeleton_len = 0;
   uint8_t word_count = 0;
   uint8_t digit_words = 0;
+  uint64_t word_bits = 0;
   StrictClass strict = kOrdinary;
   bool blank = false;
 
   StreetView view() const {
-    return {raw,          packed,     skeleton,    word_text, words, packed_len,
-            skeleton_len, word_count, digit_words, strict,    blank};
+    return {raw,         packed,     skeleton,     word_text,
+            words,       packed_len, skeleton_len, word_count,
+            digit_words, word_bits,  strict,       blank};
   }
 };
 

@@ -72,6 +72,15 @@ int32_t shorten_business_word(char *word, int32_t len) {
   return len;
 }
 
+// One of 62 bits, chosen by the word's bytes.
+uint64_t word_bit(const char *w, uint32_t len) {
+  uint32_t h = 2166136261u;
+  for (uint32_t k = 0; k < len; ++k) {
+    h = (h ^ static_cast<unsigned char>(w[k])) * 16777619u;
+  }
+  return uint64_t{1} << (h % 62);
+}
+
 bool is_route_word(std::string_view w) {
   return w.size() == 2 && std::find(kRouteWords.begin(), kRouteWords.end(),
                                     w) != kRouteWords.end();
@@ -180,6 +189,7 @@ void split_street_words(const char *recoded, int32_t len, char *word_text,
   const int32_t n = tidy_street(recoded, len, word_text);
   list.count = 0;
   list.digit_words = 0;
+  list.bits = 0;
   int32_t i = 0;
   while (list.count < kStreetWords) {
     while (i < n && word_text[i] == ' ') ++i;
@@ -194,10 +204,22 @@ void split_street_words(const char *recoded, int32_t len, char *word_text,
                           [](char c) { return c >= '0' && c <= '9'; });
     w.route = is_route_word(std::string_view(word_text + start, w.len));
     list.digit_words += w.digit;
+    list.bits |= word_bit(word_text + start, w.len);
+    if (w.len == 1) list.bits |= kSingleLetterBit;
+    if (w.route) list.bits |= kRouteWordBit;
   }
 }
 
 int32_t word_stage_score(const StreetView &va, const StreetView &vb) {
+  // No word in common, no route words on both sides, no initial and not one
+  // word each: no pairing, initials or compass rule can hold.
+  const bool one_each = va.word_count == 1 && vb.word_count == 1;
+  const uint64_t common = va.word_bits & vb.word_bits;
+  if (!one_each && (common & ~(kSingleLetterBit | kRouteWordBit)) == 0 &&
+      (common & kRouteWordBit) == 0 &&
+      ((va.word_bits | vb.word_bits) & kSingleLetterBit) == 0) {
+    return 0;
+  }
   Side a{va};
   Side b{vb};
   const Pairing p = pair_words(a, b);
@@ -224,8 +246,10 @@ int32_t street_word_score(const char *street1, const char *street2,
   split_street_words(street2, len, b.word_text, lb);
   a.word_count = la.count;
   a.digit_words = la.digit_words;
+  a.word_bits = la.bits;
   b.word_count = lb.count;
   b.digit_words = lb.digit_words;
+  b.word_bits = lb.bits;
   return word_stage_score(a.view(), b.view());
 }
 

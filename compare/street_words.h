@@ -14,7 +14,14 @@ struct StreetWordList {
   StreetWord *words;  // room for kStreetWords
   uint8_t count = 0;
   uint8_t digit_words = 0;  // words that hold a digit
+  // A bit per word, chosen by its bytes (two equal words set the same
+  // bit), and two more for a one-letter word and for RT, RD or HW: two
+  // lists whose bits do not meet can satisfy no rule but the compass one.
+  uint64_t bits = 0;
 };
+
+inline constexpr uint64_t kSingleLetterBit = uint64_t{1} << 63;
+inline constexpr uint64_t kRouteWordBit = uint64_t{1} << 62;
 
 // Splits a recoded (not yet packed) street of len bytes (0..kStreetWorkLen):
 // the text is cut after its last byte that is neither blank nor NUL, '-'
