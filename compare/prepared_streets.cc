@@ -67,7 +67,7 @@ int32_t PreparedStreetNames::score(FirstStreet &first, int32_t i) const {
   const StreetView b = view(i);
   const size_t n = static_cast<size_t>(len_);
   // Raw identity settles before the first street's form is needed.
-  if (std::memcmp(first.raw(), b.raw, n) == 0 && first.raw()[0] != ' ') {
+  if (same_field(first.raw(), b.raw, n) && first.raw()[0] != ' ') {
     return 100;
   }
   return score_forms(first.view(), b, len_);

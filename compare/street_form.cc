@@ -93,22 +93,6 @@ int32_t skeleton_of(const char *p, int32_t n, char *out) {
   return k;
 }
 
-// Two fields of n bytes are equal; eight bytes at a time, as the fields
-// compared are short and mostly differ early.
-bool same_field(const char *a, const char *b, size_t n) {
-  size_t k = 0;
-  for (; k + 8 <= n; k += 8) {
-    uint64_t x, y;
-    std::memcpy(&x, a + k, 8);
-    std::memcpy(&y, b + k, 8);
-    if (x != y) return false;
-  }
-  for (; k < n; ++k) {
-    if (a[k] != b[k]) return false;
-  }
-  return true;
-}
-
 // --- strict classes ----------------------------------------------------------
 
 // Highways, state and county roads, avenues and calles must match closely;
@@ -152,7 +136,7 @@ std::optional<int32_t> prefix_score(const StreetView &a, const StreetView &b) {
   const int32_t len_a = a.packed_len;
   const int32_t len_b = b.packed_len;
   const int32_t shorter = std::min(len_a, len_b);
-  if (std::memcmp(a.packed, b.packed, static_cast<size_t>(shorter)) != 0) {
+  if (!same_field(a.packed, b.packed, static_cast<size_t>(shorter))) {
     return std::nullopt;
   }
   const int32_t gap = std::abs(len_a - len_b);
@@ -224,8 +208,7 @@ std::optional<int32_t> skeleton_score(const StreetView &a,
   const int32_t ca = a.skeleton_len;
   const int32_t cb = b.skeleton_len;
   if (ca <= 3 || cb <= 3) return std::nullopt;
-  if (ca == cb &&
-      std::memcmp(a.skeleton, b.skeleton, static_cast<size_t>(ca)) == 0) {
+  if (ca == cb && same_field(a.skeleton, b.skeleton, static_cast<size_t>(ca))) {
     return 95;
   }
   if (a.skeleton[0] != b.skeleton[0]) return std::nullopt;

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "compare/word_recode.h"
@@ -52,6 +53,22 @@ struct StreetWord {
   bool digit;  // holds a digit
   bool route;  // one of RT, RD, HW
 };
+
+// Two fields of n bytes are equal; eight bytes at a time, as the fields
+// compared are short and mostly differ early.
+inline bool same_field(const char *a, const char *b, size_t n) {
+  size_t k = 0;
+  for (; k + 8 <= n; k += 8) {
+    uint64_t x, y;
+    std::memcpy(&x, a + k, 8);
+    std::memcpy(&y, b + k, 8);
+    if (x != y) return false;
+  }
+  for (; k < n; ++k) {
+    if (a[k] != b[k]) return false;
+  }
+  return true;
+}
 
 // Strict class of a street: 0 ordinary, 1 strict (highway, state or county
 // road, avenue, calle, a digit), 2 lettered court.

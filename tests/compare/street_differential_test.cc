@@ -18,9 +18,16 @@
 
 namespace {
 
-int64_t pairs_to_run(int64_t fallback) {
+// A few seconds in the optimised build; the sanitizer builds run a tenth.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int64_t kDefaultPairs = 30000;
+#else
+constexpr int64_t kDefaultPairs = 300000;
+#endif
+
+int64_t pairs_to_run() {
   const char *env = std::getenv("ORLO_STREET_PAIRS");
-  return env != nullptr ? std::atoll(env) : fallback;
+  return env != nullptr ? std::atoll(env) : kDefaultPairs;
 }
 
 // Street-like material: syllables, type words and their short forms, words
@@ -150,7 +157,7 @@ bool run_pairs(uint32_t seed, int64_t pairs, Mismatch *bad) {
 
 TEST(StreetDifferential, LibraryEqualsPlainPath) {
   Mismatch bad;
-  EXPECT_TRUE(run_pairs(16, pairs_to_run(300000), &bad))
+  EXPECT_TRUE(run_pairs(16, pairs_to_run(), &bad))
       << "'" << bad.s1 << "' / '" << bad.s2 << "' len " << bad.len
       << " options '" << bad.options << "': " << bad.library << " vs "
       << bad.plain;
@@ -161,7 +168,7 @@ TEST(StreetDifferential, LibraryEqualsPlainPath) {
 // or another length) does to the scores.
 TEST(StreetDifferential, PreparedSetEqualsPlainPath) {
   std::mt19937 rng(61);
-  const int64_t rounds = std::max<int64_t>(pairs_to_run(300000) / 2000, 20);
+  const int64_t rounds = std::max<int64_t>(pairs_to_run() / 2000, 20);
   for (int64_t round = 0; round < rounds; ++round) {
     const size_t len = random_len(rng);
     const std::string options = kOptions[rng() % kOptions.size()];
@@ -217,7 +224,7 @@ TEST(StreetDifferential, ThreadsCompareAtOnce) {
   for (const auto &f : fields) pointers.push_back(f.data());
   MSTREETS *set = m_stprep(pointers.data(), 6, 31, nullptr);
   ASSERT_NE(set, nullptr);
-  const int64_t pairs = std::max<int64_t>(pairs_to_run(300000) / 40, 2000);
+  const int64_t pairs = std::max<int64_t>(pairs_to_run() / 40, 2000);
   std::atomic<int> failures{0};
   std::vector<std::thread> threads;
   for (uint32_t t = 0; t < 8; ++t) {
