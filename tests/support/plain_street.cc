@@ -24,8 +24,6 @@ constexpr int32_t kWorkLen = 100;
 namespace orlo_test::plain {
 namespace {
 
-// m_iwrdls fills at most 29 nodes; one spare keeps the array safe whatever
-// it does.
 constexpr int32_t kWordNodes = 30;
 
 struct CompassWord {
@@ -40,15 +38,12 @@ constexpr std::array<CompassWord, 4> kCompass = {{
     {"W", "WEST"},
 }};
 
-// Road-type abbreviations that pair with one another.
 constexpr std::array<std::string_view, 3> kRouteWords = {"RT", "RD", "HW"};
 
-// One word of a street with what the rules need to know about it.
 struct Word {
   std::string_view text;
   bool digit = false;
   bool paired = false;
-  // Once paired, a word takes no further part: its length counts as 0.
   size_t live_length() const { return paired ? 0 : text.size(); }
 };
 
@@ -57,9 +52,6 @@ struct WordList {
   int32_t count = 0;
 };
 
-// The recoded street as the word stage reads it: cut after its last byte
-// that is neither blank nor NUL, with '-' and '/' removed so that the parts
-// of a hyphenated name close up. Returns the new length.
 int32_t tidy_street(char *text, int32_t len) {
   int32_t end = len;
   while (end > 0 && (text[end - 1] == ' ' || text[end - 1] == '\0')) --end;
@@ -70,7 +62,6 @@ int32_t tidy_street(char *text, int32_t len) {
   return out;
 }
 
-// Splits the street (copied into `area`, which must outlive the list).
 void split_street(const char *street, int32_t len, char *area, WordList &list) {
   std::memcpy(area, street, static_cast<size_t>(len));
   const int32_t n = tidy_street(area, len);
@@ -95,8 +86,6 @@ struct Pairing {
   int32_t digit_paired = 0;
 };
 
-// Greedy, in order: each word of street 1 takes the first unpaired word of
-// street 2 of its length that equals it, or that is another of RT, RD, HW.
 Pairing pair_words(WordList &a, WordList &b) {
   Pairing r;
   for (int32_t i = 0; i < a.count; ++i) {
@@ -118,8 +107,6 @@ Pairing pair_words(WordList &a, WordList &b) {
   return r;
 }
 
-// Positions, side by side, where an unpaired single letter stands for an
-// unpaired word with the same first letter.
 int32_t count_initials(const WordList &a, const WordList &b) {
   int32_t initials = 0;
   const int32_t n = std::min(a.count, b.count);
@@ -133,7 +120,6 @@ int32_t count_initials(const WordList &a, const WordList &b) {
   return initials;
 }
 
-// One word each: a single compass letter against its compass word.
 bool compass_rule(const WordList &a, const WordList &b) {
   if (a.count != 1 || b.count != 1) return false;
   const Word &wa = a.words[0];
@@ -147,8 +133,6 @@ bool compass_rule(const WordList &a, const WordList &b) {
   });
 }
 
-// Enough words paired for the size of the longer name, and every word that
-// holds a digit paired with its equal.
 bool pairing_rule(const Pairing &p, int32_t digit_words, int32_t longest) {
   if (p.paired <= 0 || 2 * p.digit_paired != digit_words) return false;
   switch (longest) {
@@ -197,14 +181,8 @@ int32_t plain_word_score(const char *street1, const char *street2,
 static_assert(kWorkLen <= kFoldMaxLen,
               "letter folding covers a whole work copy");
 
-// A work copy of a street: kWorkLen bytes of text area, zero-filled so that
-// the text is followed by NULs, with room behind it for the bytes that the
-// recoding writes behind the field (the widened "AV"/"BL" and its NUL) and
-// that the character alignment looks ahead, even at the full length.
 using StreetArea = std::array<char, kWorkLen + kRecodeRoom + 1>;
 
-// The recoded and packed forms keep the whole area, bytes behind the field
-// included, so that a cached street compares exactly like a fresh one.
 struct StreetCache {
   char lastra1[kWorkLen];  // first street as it came, after folding
   StreetArea lastra2;      // ... after normalisation and word recoding
@@ -212,10 +190,7 @@ struct StreetCache {
   int32_t lasterrs;        // its packed length
 };
 
-// Zero at thread start; constant-initialised, so no per-thread constructor.
 thread_local StreetCache street_cache{};
-
-// --- options -----------------------------------------------------------------
 
 struct StreetOptions {
   bool fold_letters = false;  // "DI": fold Latin-1 letters to plain ones
@@ -236,11 +211,6 @@ StreetOptions read_options(char *options) {
   return o;
 }
 
-// --- work copies
-// -------------------------------------------------------------------
-
-// Copies a street into a zero-filled area and returns the length to work
-// with: at most kWorkLen, and at full length the last byte is a NUL.
 int32_t copy_street(StreetArea &area, const char *street, int32_t len) {
   len = std::max(len, 0);
   const int32_t n = std::min(len, kWorkLen);
@@ -251,10 +221,6 @@ int32_t copy_street(StreetArea &area, const char *street, int32_t len) {
   return n;
 }
 
-// --- normalisation and recoding
-// -------------------------------------------------
-
-// Leading zeros of every word go, as do full stops; '+' means '&'.
 void normalise(char *s, int32_t len) {
   for (int32_t i = 0; i < len; ++i) {
     if (s[i] == '0' && (i == 0 || is_blank(s[i - 1]))) {
@@ -277,32 +243,22 @@ void recode_words(char *s, int32_t len, bool keep_types) {
   drop_ordinals(s, len, true);
 }
 
-// --- strict classes
-// --------------------------------------------------------------
-
 enum StrictClass { kOrdinary = 0, kStrict = 1, kLetteredCourt = 2 };
 
-// Highways, state and county roads, avenues and calles must match closely.
 constexpr std::array<std::string_view, 7> kStrictStarts = {
     "USHWY", "AVE", "STATERD", "COUNTYRD", "HWY", "CALLE", "CLL"};
 
-// Class of one packed street.
 StrictClass strict_class(const StreetArea &s, int32_t packed_len) {
   const std::string_view text(s.data(), kWorkLen);
   for (std::string_view start : kStrictStarts) {
     if (text.starts_with(start)) return kStrict;
   }
-  // A court followed by a single letter: 'COURTB'.
   if (text.starts_with("COURT") && !is_blank(text[5]) && is_blank(text[6])) {
     return kLetteredCourt;
   }
   return m_isnumb(s.data(), packed_len) ? kStrict : kOrdinary;
 }
 
-// --- character stage
-// ---------------------------------------------------------------
-
-// Score when one packed street is a prefix of the other and long enough.
 std::optional<int32_t> prefix_score(const StreetArea &a, int32_t len_a,
                                     const StreetArea &b, int32_t len_b) {
   const bool prefix_a =
@@ -318,7 +274,6 @@ std::optional<int32_t> prefix_score(const StreetArea &a, int32_t len_a,
   return std::nullopt;
 }
 
-// Score from the character alignment of the two packed streets.
 int32_t alignment_score(const StreetArea &a, int32_t len_a, const StreetArea &b,
                         int32_t len_b) {
   int32_t errors = 0;
@@ -328,8 +283,6 @@ int32_t alignment_score(const StreetArea &a, int32_t len_a, const StreetArea &b,
   m_chcmp1(&errors, &tail, &repeats, &mismatch, len_a, len_b, a.data(),
            b.data());
   if (tail > 0) {
-    // An unmatched tail costs one error, one more per character beyond two,
-    // and one more when either name is short.
     errors += 1;
     if (tail > 2) errors += tail - 2;
     if (len_a < 6 || len_b < 6) errors += 1;
@@ -355,11 +308,6 @@ Stage character_stage(const StreetArea &a, int32_t len_a, const StreetArea &b,
   return {score, score >= 90};
 }
 
-// --- skeleton stage
-// -------------------------------------------------------------------
-
-// At most one character of the longer skeleton x has no partner in y (one
-// shorter), walking both from their second character.
 bool one_extra_character(const char *x, int32_t len_x, const char *y) {
   int32_t errors = 0;
   int32_t k = 1;
@@ -373,8 +321,6 @@ bool one_extra_character(const char *x, int32_t len_x, const char *y) {
   return errors <= 1;
 }
 
-// 95 for equal consonant skeletons, 90 for skeletons one character apart,
-// nothing otherwise. Turns both streets into their skeletons.
 std::optional<int32_t> skeleton_score(StreetArea &a, int32_t len_a,
                                       StreetArea &b, int32_t len_b) {
   if (m_isnumb(a.data(), len_a) || m_isnumb(b.data(), len_b)) {
@@ -398,9 +344,6 @@ std::optional<int32_t> skeleton_score(StreetArea &a, int32_t len_a,
   return std::nullopt;
 }
 
-// --- the cascade
-// -----------------------------------------------------------------------
-
 bool all_blank(const StreetArea &s, int32_t len) {
   return std::all_of(s.begin(), s.begin() + len, is_blank);
 }
@@ -420,7 +363,6 @@ int32_t compare_streets_impl(const char *s1, const char *s2, int32_t len,
     return 100;
   }
 
-  // Normalise, recode and pack street 1 only when it is not the cached one.
   StreetCache &cache = street_cache;
   const bool fresh = std::memcmp(a.data(), cache.lastra1, len) != 0;
   if (fresh) {
@@ -434,7 +376,6 @@ int32_t compare_streets_impl(const char *s1, const char *s2, int32_t len,
   normalise(b.data(), len);
   recode_words(b.data(), len, opt.keep_types);
 
-  // The word stage reads the streets recoded but not packed.
   const StreetArea recoded_a = a;
   const StreetArea recoded_b = b;
 
