@@ -20,6 +20,10 @@ PreparedStreetNames::PreparedStreetNames(const char *const *names,
   len_ = std::clamp(len, 0, kStreetWorkLen);
   const size_t n = static_cast<size_t>(std::max(count, 0));
   entries_.reserve(n);
+  // Room for the fixed part of every name and a short skeleton and word
+  // list, so that the pool seldom grows.
+  pool_.reserve(n * (std::max<size_t>(len_, 1) + 2 * len_ + kLookAhead + 12));
+  words_.reserve(n * 4);
   const size_t raw = static_cast<size_t>(std::max(len_, 1));
   StreetForm form;
   for (size_t i = 0; i < n; ++i) {
