@@ -67,14 +67,15 @@ StreetView PreparedStreetNames::view(int32_t i) const {
           e.blank};
 }
 
-int32_t PreparedStreetNames::score(FirstStreet &first, int32_t i) const {
+int32_t PreparedStreetNames::score(FirstStreet &first, int32_t i,
+                                   bool only_90_up) const {
   const StreetView b = view(i);
   const size_t n = static_cast<size_t>(len_);
   // Raw identity settles before the first street's form is needed.
   if (same_field(first.raw(), b.raw, n) && first.raw()[0] != ' ') {
     return 100;
   }
-  return score_forms(first.view(), b, len_);
+  return score_forms(first.view(), b, len_, only_90_up);
 }
 
 }  // namespace orlo

@@ -55,8 +55,10 @@ class PreparedStreetNames {
   const StreetOptions &options() const { return opt_; }
 
   // m_street's score of the first street against name i (0 <= i < size()),
-  // with the set's length and options.
-  int32_t score(FirstStreet &first, int32_t i) const;
+  // with the set's length and options. With only_90_up, a score below 90
+  // may come out as another score below 90, for callers that keep only
+  // names scoring 90 or more.
+  int32_t score(FirstStreet &first, int32_t i, bool only_90_up = false) const;
 
  private:
   struct Entry {

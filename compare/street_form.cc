@@ -174,11 +174,22 @@ struct Stage {
   bool settled;  // true: the score is the result
 };
 
+// Packed lengths this far apart keep the alignment below 90: the walk ends
+// with one string consumed (the other overrun by at most two bytes), so
+// closing the gap takes repeats or errors (3 or 4 points each) or a tail
+// (4 points for up to two bytes, 4 more for each further byte), which for
+// seven bytes cost at least 13 points, more than the bonus of 2 can offset;
+// and the prefix rules want the lengths at most 2 apart.
+constexpr int32_t kFarApart = 7;
+
 Stage character_stage(const StreetView &a, const StreetView &b,
-                      StrictClass strict) {
+                      StrictClass strict, bool only_90_up) {
   if (strict == kStrict) return {0, false};
   if (strict == kLetteredCourt) return {0, true};
   if (a.packed_len == 0 || b.packed_len == 0) return {80, false};
+  if (only_90_up && std::abs(a.packed_len - b.packed_len) >= kFarApart) {
+    return {0, false};  // some score below 90; which one does not matter
+  }
   if (auto s = prefix_score(a, b)) return {*s, true};
   const int32_t score = alignment_score(a, b);
   return {score, score >= 90};
@@ -302,7 +313,8 @@ void prepare_street(const char *street, int32_t len, const StreetOptions &opt,
   make_form(area.data(), areas, len, form);
 }
 
-int32_t score_forms(const StreetView &a, const StreetView &b, int32_t len) {
+int32_t score_forms(const StreetView &a, const StreetView &b, int32_t len,
+                    bool only_90_up) {
   const size_t n = static_cast<size_t>(len);
   if (same_field(a.raw, b.raw, n) && !is_blank(a.raw[0])) return 100;
   const StrictClass strict = a.strict != kOrdinary ? a.strict : b.strict;
@@ -312,7 +324,7 @@ int32_t score_forms(const StreetView &a, const StreetView &b, int32_t len) {
     // Both blank: no skeleton, only the word stage could say more.
     score = 88;
   } else {
-    const Stage s = character_stage(a, b, strict);
+    const Stage s = character_stage(a, b, strict, only_90_up);
     if (s.settled) return s.score;
     score = s.score;
     if (auto k = skeleton_score(a, b)) return *k;

@@ -137,8 +137,11 @@ void prepare_street(const char *street, int32_t len, const StreetOptions &opt,
                     StreetForm &form);
 
 // The street comparison's score of street 1 (a) against street 2 (b), both
-// made for fields of len bytes with the same options.
-int32_t score_forms(const StreetView &a, const StreetView &b, int32_t len);
+// made for fields of len bytes with the same options. With only_90_up, a
+// score below 90 may come out as another score below 90 (a bound on the
+// lengths spares the character alignment); 90 and above are exact.
+int32_t score_forms(const StreetView &a, const StreetView &b, int32_t len,
+                    bool only_90_up = false);
 
 }  // namespace orlo
 

@@ -141,7 +141,9 @@ char run_prepared_scan(Scan &s, const RegionStreetNames &region) {
   FirstStreet first(s.input, kPaddedName, StreetOptions{});
   char code = HKRC_OK;
   auto consider = [&](int32_t i) {
-    const int32_t score = std::max(names.score(first, i), 0);
+    // Only names of 90 or more become candidates, so the comparison may
+    // skip what cannot reach 90.
+    const int32_t score = std::max(names.score(first, i, true), 0);
     if (score < kCandidateScore) return true;
     code = append_candidate(s, &s.mcb->lvl2tab[i], score);
     return code == HKRC_OK;

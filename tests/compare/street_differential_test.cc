@@ -13,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+#include "compare/prepared_streets.h"
 #include "orlo_compare.h"
 #include "support/plain_street.h"
 
@@ -196,12 +197,19 @@ TEST(StreetDifferential, PreparedSetEqualsPlainPath) {
     const auto n = static_cast<int32_t>(stale_len);
     m_street(longer.data(), other.data(), n, stale.data());
     orlo_test::plain_street(longer.data(), other.data(), n, stale2.data());
+    const orlo::PreparedStreetNames direct(
+        pointers.data(), 100, static_cast<int32_t>(len), options.c_str());
     std::vector<int32_t> scores(100, -1);
     ASSERT_EQ(m_stmany(set, in.data(), scores.data()), 100);
     for (size_t i = 0; i < names.size(); ++i) {
       std::string o = options;
       const int32_t want = orlo_test::plain_street(
           in.data(), names[i].data(), static_cast<int32_t>(len), o.data());
+      // The search's use: scores of 90 and more exact, the rest below 90.
+      orlo::FirstStreet first(in.data(), direct.len(), direct.options());
+      const int32_t at_least =
+          direct.score(first, static_cast<int32_t>(i), true);
+      ASSERT_EQ(at_least >= 90 ? at_least : -1, want >= 90 ? want : -1);
       ASSERT_EQ(scores[i], want)
           << "'" << input << "' / '"
           << std::string(names[i].begin(), names[i].end()) << "' len " << len
