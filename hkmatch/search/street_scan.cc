@@ -1,7 +1,9 @@
 // The street scan of a search pass: the exact pass walks forward from the
 // entry found by bisection over equal names; the fuzzy pass lets through
-// to m_street only the names that pass cheap character tests and stops at
-// the first name whose initial sorts after the input's.
+// to the street comparison only the names that pass cheap character tests
+// and stops at the first name whose initial sorts after the input's. An
+// instance takes those names from the region's prepared names and their
+// index; a private copy walks the table and calls m_street on each.
 #include "hkmatch/search/street_scan.h"
 
 #include <algorithm>
@@ -136,7 +138,6 @@ int32_t start_entry(const Scan &s) {
 // same order as the walk below hands to m_street, the same scores, the
 // input's form taken once (through the street cache, as m_street takes it).
 char run_prepared_scan(Scan &s, const RegionStreetNames &region) {
-  if (s.input[0] == ' ' || s.req.in_mode == '3') return HKRC_OK;
   const PreparedStreetNames &names = region.names();
   FirstStreet first(s.input, kPaddedName, StreetOptions{});
   char code = HKRC_OK;
@@ -161,7 +162,9 @@ char run_prepared_scan(Scan &s, const RegionStreetNames &region) {
 
 char run_scan(Scan &s) {
   HKMCB *mcb = s.mcb;
-  if (s.mode == Mode::kFuzzy) {
+  // A blank input or input mode 3 compares no name; the walk below finds
+  // none without preparing the region's names.
+  if (s.mode == Mode::kFuzzy && s.input[0] != ' ' && s.req.in_mode != '3') {
     if (const RegionStreetNames *region = current_street_names(mcb)) {
       return run_prepared_scan(s, *region);
     }

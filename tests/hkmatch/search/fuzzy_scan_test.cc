@@ -97,7 +97,10 @@ TEST(FuzzyScan, PreparedNamesGiveTheWalksCandidates) {
         SCOPED_TRACE(input + " order " + std::to_string(order));
         mcb->state = 'O';
         const Candidates prepared = collect(mcb, input, in_mode);
-        ASSERT_NE(mcb->streetnames, nullptr);
+        // (Input mode 3 compares no name and needs no prepared names.)
+        if (in_mode != '3') {
+          ASSERT_NE(mcb->streetnames, nullptr);
+        }
         mcb->state = 'R';  // a private copy walks the table
         const Candidates walked = collect(mcb, input, in_mode);
         mcb->state = 'O';
