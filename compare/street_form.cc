@@ -22,20 +22,6 @@ static_assert(kStreetWorkLen <= 255, "word places fit in a byte");
 
 // --- normalisation and recoding ----------------------------------------------
 
-// One past the last byte of s[0, len) that is not a blank (0 for none);
-// trailing blanks are passed eight at a time.
-int32_t text_end(const char *s, int32_t len) {
-  constexpr uint64_t kBlanks = 0x2020202020202020ULL;
-  while (len >= 8) {
-    uint64_t w;
-    std::memcpy(&w, s + len - 8, 8);
-    if (w != kBlanks) break;
-    len -= 8;
-  }
-  while (len > 0 && is_blank(s[len - 1])) --len;
-  return len;
-}
-
 // Leading zeros of every word go, as do full stops; '+' means '&'. Blanks
 // behind the text change nothing, so only the text is walked.
 void normalise(char *s, int32_t len) {

@@ -144,9 +144,9 @@ constexpr std::array<uint16_t, 256> kRowsByInitial = [] {
 static_assert(kTypeRows <= 16, "a row mask fits in 16 bits");
 
 // For every row, the first place in text[0, limit) where its word's first
-// four bytes stand, or npos.
-void find_heads(std::string_view text, size_t limit,
-                std::array<size_t, kTypeRows> &first) {
+// four bytes stand, or npos. Returns the rows found, a bit each.
+uint32_t find_heads(std::string_view text, size_t limit,
+                    std::array<size_t, kTypeRows> &first) {
   first.fill(npos);
   limit = std::min(limit, text.size());
   uint32_t open = (1u << kTypeRows) - 1;
@@ -162,21 +162,24 @@ void find_heads(std::string_view text, size_t limit,
       }
     }
   }
+  return ((1u << kTypeRows) - 1) & ~open;
 }
 
 // m_wrdrec: each row replaces at most one occurrence of its word, found by
 // its first four bytes at a word start before `last`.
 void abbreviate_street_types(char *f, int32_t len) {
   if (!may_hold_street_type(f, len)) return;
-  int32_t last = len - 4;
-  while (last >= 0 && is_blank(f[last])) --last;
+  const int32_t last = text_end(f, len - 3) - 1;
   const std::string_view text = text_before_nul(f, len + kRecodeRoom);
   const size_t limit = static_cast<size_t>(last) + 3;
   std::array<size_t, kTypeRows> first;
-  find_heads(text, limit, first);
-  for (size_t r = 0; r < kTypeRows; ++r) {
+  uint32_t found = find_heads(text, limit, first);
+  // Rows in order; a row whose head is nowhere does nothing.
+  while (found != 0) {
+    const auto r = static_cast<size_t>(__builtin_ctz(found));
+    found &= found - 1;
     const size_t p = first[r];
-    if (p == npos || (p > 0 && !is_blank(text[p - 1]))) continue;
+    if (p > 0 && !is_blank(text[p - 1])) continue;
     const std::string_view word = street_types::words[r];
     const size_t target =
         text.compare(p, word.size(), word) == 0 ? p : text.find(word, p);
@@ -184,7 +187,7 @@ void abbreviate_street_types(char *f, int32_t len) {
     const std::string_view recode = street_types::recodes[r];
     std::memcpy(f + target, recode.data(), recode.size());
     // The text changed: later rows look again.
-    find_heads(text, limit, first);
+    found = find_heads(text, limit, first) & ~((2u << r) - 1);
   }
 }
 
@@ -194,8 +197,7 @@ void abbreviate_street_types(char *f, int32_t len) {
 // ST, ND, RD, TH between a digit and a blank.
 void drop_ordinal_suffixes(char *f, int32_t len) {
   if (len <= 0) return;
-  int32_t last = len - 1;
-  while (last >= 0 && is_blank(f[last])) --last;
+  const int32_t last = text_end(f, len) - 1;
   if (last > 3 && std::memcmp(f + last - 3, "IEME", 4) == 0) {
     std::memset(f + last - 3, ' ', 4);
     return;
