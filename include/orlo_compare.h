@@ -61,6 +61,31 @@ ORLO_API void m_iwrdls(MWORD *nodes, MWORD **head, MWORD **tail, int32_t len,
  * writable (it is upper-cased in place). */
 ORLO_API int32_t m_street(const char *s1, const char *s2, int32_t len,
                           char *options);
+
+/* A set of street names prepared for m_stmany; opaque. */
+typedef struct MSTREETS MSTREETS;
+
+/* Prepares count street names for comparison with many input streets: each
+ * name is a field of len bytes (blank-padded, need not be terminated) read
+ * from names[i] and copied, so the caller's names may go once this returns.
+ * options as m_street reads them (NULL for none; read, never written). The
+ * normalised, recoded and packed form and the word list of every name are
+ * made here, once. Returns the set, or NULL when count < 0, names is NULL
+ * with count > 0, or storage fails. The set is immutable: any number of
+ * threads may score against it at once. Free it with m_stfree. */
+ORLO_API MSTREETS *m_stprep(const char *const *names, int32_t count,
+                            int32_t len, const char *options);
+/* Scores street (a field of the set's len bytes) against every name of the
+ * set and writes scores[i], 0..100, for name i; scores must hold one int32_t
+ * per name. Each score is the one m_street(street, names[i], len, options)
+ * gives, and the calling thread's m_street cache is left as that run of calls
+ * would leave it. Returns the number of names, or -1 (nothing written) when
+ * set or scores is NULL. Never allocates on the heap. */
+ORLO_API int32_t m_stmany(const MSTREETS *set, const char *street,
+                          int32_t *scores);
+/* Frees a set made by m_stprep; NULL does nothing. */
+ORLO_API void m_stfree(MSTREETS *set);
+
 ORLO_API int32_t m_spllng(const char *f1, const char *f2, int32_t len,
                           const char *options);
 ORLO_API int32_t m_tgstr(const char *s1, const char *s2, int32_t len);

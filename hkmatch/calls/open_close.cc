@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "hkmatch/refdata/reference_store.h"
+#include "hkmatch/refdata/street_names.h"
 #include "orlo_codes.h"
 #include "orlo_matcher.h"
 
@@ -162,6 +163,7 @@ void release_search_data(HKMCB *m) {
   std::free(m->lvl2buf);
   std::free(m->cands);
   std::free(m->candscore);
+  free_street_names(m);
 }
 
 }  // namespace
