@@ -224,10 +224,6 @@ typedef struct HKMCB {
    * instance because the street table entries are shared. */
   struct HKSTORE *store;
   uint8_t *candscore;
-  /* The street names of the regions searched so far, prepared once for the
-   * fuzzy pass (owning; opaque to callers). NULL until the first fuzzy pass
-   * and in a private copy, which compares name by name. */
-  void *streetnames;
 } HKMCB;
 
 /* The handle area of one instance: word 0 holds the HKMCB address, the rest

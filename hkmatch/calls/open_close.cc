@@ -12,7 +12,6 @@
 #include <cstring>
 
 #include "hkmatch/refdata/reference_store.h"
-#include "hkmatch/refdata/street_names.h"
 #include "orlo_codes.h"
 #include "orlo_matcher.h"
 
@@ -163,7 +162,6 @@ void release_search_data(HKMCB *m) {
   std::free(m->lvl2buf);
   std::free(m->cands);
   std::free(m->candscore);
-  free_street_names(m);
 }
 
 }  // namespace

@@ -49,7 +49,6 @@ void detach_search_state(HKMCB *copy) {
   copy->lvl2bufcap = 0;
   copy->lvl2tabcap = 0;
   copy->lvl2initials = 0;
-  copy->streetnames = nullptr;
   std::memset(copy->lastkey, 0, sizeof copy->lastkey);
   std::memset(copy->lastname, 0, sizeof copy->lastname);
   copy->lastidx = 0;

@@ -15,6 +15,8 @@
 
 namespace orlo {
 
+class RegionStreetNames;
+
 // What makes two opens read the same data: the three files, and whether the
 // images are held in memory.
 struct FileIdentity {
@@ -44,6 +46,8 @@ struct BuiltRegion {
   uint32_t mask = 0;
   int32_t *found = nullptr;                           // from search_alloc
   std::atomic<const HKBASEREC *> *records = nullptr;  // one per entry
+  // The names prepared for the fuzzy pass, made on first need.
+  std::atomic<RegionStreetNames *> names{nullptr};
 
   BuiltRegion() = default;
   BuiltRegion(const BuiltRegion &) = delete;

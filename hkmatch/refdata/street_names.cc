@@ -7,6 +7,7 @@
 #include <new>
 #include <string_view>
 
+#include "hkmatch/refdata/reference_store.h"
 #include "hkmatch/refdata/street_table.h"
 
 namespace orlo {
@@ -86,46 +87,8 @@ bool RegionStreetNames::admitted(const FuzzyInput &in, int32_t i) const {
   return second && in.len > 0 && k.has_last && p[in.len - 1] == k.last;
 }
 
-bool PreparedRegions::size_for(int32_t regions) {
-  try {
-    regions_.resize(static_cast<size_t>(std::max(regions, 0)));
-  } catch (const std::bad_alloc &) {
-    return false;
-  }
-  return true;
-}
-
-const RegionStreetNames *PreparedRegions::get(int32_t idx, const STREETENT *tab,
-                                              int32_t count) {
-  if (idx < 0 || static_cast<size_t>(idx) >= regions_.size()) return nullptr;
-  std::unique_ptr<RegionStreetNames> &r = regions_[static_cast<size_t>(idx)];
-  if (r == nullptr) {
-    try {
-      r = std::make_unique<RegionStreetNames>(tab, count);
-    } catch (const std::bad_alloc &) {
-      return nullptr;
-    }
-  }
-  return r.get();
-}
-
 const RegionStreetNames *current_street_names(HKMCB *mcb) {
-  if (mcb->state != 'O') return nullptr;
-  auto *regions = static_cast<PreparedRegions *>(mcb->streetnames);
-  if (regions == nullptr) {
-    regions = new (std::nothrow) PreparedRegions();
-    if (regions == nullptr || !regions->size_for(mcb->lvl1cnt)) {
-      delete regions;
-      return nullptr;
-    }
-    mcb->streetnames = regions;
-  }
-  return regions->get(mcb->lastidx, mcb->lvl2tab, mcb->lvl2cnt);
-}
-
-void free_street_names(HKMCB *mcb) {
-  delete static_cast<PreparedRegions *>(mcb->streetnames);
-  mcb->streetnames = nullptr;
+  return store_street_names(mcb);
 }
 
 }  // namespace orlo

@@ -4,10 +4,9 @@
 // character tests let through, in table order and within its stop rule.
 //
 // A RegionStreetNames is built from a region's street table and immutable
-// after construction, so any number of searches may read it at once. For
-// now each instance keeps one per region it has searched (PreparedRegions,
-// reached from the HKMCB); the functions at the end are the only code that
-// touches the HKMCB for them.
+// after construction, so any number of searches may read it at once: the
+// reference store keeps one per region, built on first need and shared by
+// every instance of the store.
 #ifndef ORLO_HKMATCH_REFDATA_STREET_NAMES_H
 #define ORLO_HKMATCH_REFDATA_STREET_NAMES_H
 
@@ -99,28 +98,11 @@ void RegionStreetNames::for_each_admitted(const FuzzyInput &in,
   }
 }
 
-// The prepared names of the regions one instance has searched.
-class PreparedRegions {
- public:
-  // Makes room for `regions` regions; false when storage fails.
-  bool size_for(int32_t regions);
-  // Region idx's names, prepared from its street table on first use;
-  // nullptr when storage fails.
-  const RegionStreetNames *get(int32_t idx, const STREETENT *tab,
-                               int32_t count);
-
- private:
-  std::vector<std::unique_ptr<RegionStreetNames>> regions_;
-};
-
 // The prepared names of the instance's current region (lastidx, with its
-// street table loaded), made on first use. nullptr for a private copy of an
-// instance (which keeps no prepared names) or when storage fails; the
-// caller then compares name by name.
+// street table selected): the reference store's, made the first time any
+// instance of the store needs them. nullptr when storage fails; the caller
+// then compares name by name.
 const RegionStreetNames *current_street_names(HKMCB *mcb);
-
-// Frees the prepared names an instance holds.
-void free_street_names(HKMCB *mcb);
 
 }  // namespace orlo
 

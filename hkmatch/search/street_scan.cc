@@ -20,6 +20,11 @@
 #include "orlo_compare.h"
 
 namespace orlo {
+
+namespace detail {
+thread_local bool walk_fuzzy_pass = false;
+}  // namespace detail
+
 namespace {
 
 constexpr int64_t kCandidateStep = 1000;
@@ -181,7 +186,8 @@ char run_scan(Scan &s) {
   HKMCB *mcb = s.mcb;
   // A blank input or input mode 3 compares no name; the walk below finds
   // none without preparing the region's names.
-  if (s.mode == Mode::kFuzzy && s.input[0] != ' ' && s.req.in_mode != '3') {
+  if (s.mode == Mode::kFuzzy && s.input[0] != ' ' && s.req.in_mode != '3' &&
+      !detail::walk_fuzzy_pass) {
     if (const RegionStreetNames *region = current_street_names(mcb)) {
       return run_prepared_scan(s, *region);
     }

@@ -106,8 +106,9 @@ void report_bad_row(const std::string &in_name, bool fixed,
 }
 
 OutputForm output_form(const Options &o) {
-  return o.fixed ? OutputForm::kFixed
-                 : o.table ? OutputForm::kTable : OutputForm::kCsv;
+  return o.fixed   ? OutputForm::kFixed
+         : o.table ? OutputForm::kTable
+                   : OutputForm::kCsv;
 }
 
 // Reads the input in batches; while the workers match one batch, the next
