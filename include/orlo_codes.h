@@ -1,4 +1,5 @@
-/* The outcomes a caller reads: the return code in byte 0 of the output
+/** @file
+ * The outcomes a caller reads: the return code in byte 0 of the output
  * record and the match status in out_matchstat (byte 267).
  *
  * This is the one table of them. Each row gives the name, the character, the
@@ -9,6 +10,9 @@
 #ifndef ORLO_CODES_H
 #define ORLO_CODES_H
 
+/** The return codes, one X(name, character, message or NULL, meaning) row
+ * each: '0' and '1' from a call that did its work, '2' to '8' and 'A' from
+ * the matcher, 'L' and 'V' to 'Z' from the Java boundary. */
 /* clang-format off */
 #define ORLO_RETURN_CODES(X)                                                  \
   X(HKRC_OK, '0', NULL,                                                       \
@@ -46,6 +50,7 @@
   X(HKRC_COPY_FAILED, 'V', NULL,                                              \
     "internal failure or bad argument caught at the Java boundary during copyFields")
 
+/** The match statuses, one X(name, character, meaning) row each. */
 #define ORLO_MATCH_STATUSES(X)                                                \
   X(HKMS_NONE, ' ', "blank: no candidate was judged")                         \
   X(HKMS_ACCEPTED, '0', "accepted: the reference address is written")         \
@@ -58,13 +63,16 @@
 
 /* The codes by name: HKRC_* return codes, HKMS_* match statuses. C++ sees
  * them as char constants, C as enumerators. */
+/** Turns one row of a table into a named code (undefined again below). */
 #ifdef __cplusplus
 #define ORLO_CODE_ROW(name, code, ...) inline constexpr char name = code;
 ORLO_RETURN_CODES(ORLO_CODE_ROW)
 ORLO_MATCH_STATUSES(ORLO_CODE_ROW)
 #else
 #define ORLO_CODE_ROW(name, code, ...) name = code,
+/** Return codes by name (byte 0 of an output record). */
 enum HKRETCODE { ORLO_RETURN_CODES(ORLO_CODE_ROW) };
+/** Match statuses by name (byte 267 of an output record). */
 enum HKMATCHSTAT { ORLO_MATCH_STATUSES(ORLO_CODE_ROW) };
 #endif
 #undef ORLO_CODE_ROW

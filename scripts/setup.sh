@@ -3,9 +3,13 @@
 # Safe to run again: it does nothing when everything is there.
 set -euo pipefail
 
+# Beyond the compilers and test libraries: utf8proc for the input
+# normalisation, doxygen for the docs target,
+# help2man for the tools' manual pages, pkg-config, dpkg-dev and file for the
+# Debian package and the consumer tests.
 packages=(cmake make g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev
           libbenchmark-dev libutf8proc-dev openjdk-17-jdk-headless cppcheck
-          python3)
+          python3 doxygen help2man pkg-config dpkg-dev file)
 missing=()
 for p in "${packages[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then

@@ -146,7 +146,11 @@ TEST(NoHeap, EveryRoutineWithEveryOption) {
   long_b[120] = ' ';
   fields.emplace_back(std::string(150, 'A'), long_b);
   std::string street_options[] = {"DI", "type;di", "TYPE"};
-  for (auto &[a, b] : fields) {
+  // Named references rather than a structured binding: clang 14 cannot
+  // capture a binding in the lambda below.
+  for (auto &field : fields) {
+    std::string &a = field.first;
+    std::string &b = field.second;
     const int32_t len = static_cast<int32_t>(a.size());
     // Preparing a set allocates; scoring against it does not.
     const char *name = b.data();

@@ -33,7 +33,8 @@ constexpr const char *kUsage =
     "\n"
     "Options:\n"
     "  --db DIR            reference database (LEVEL1, LEVEL2, BASEDATA);\n"
-    "                      default: the sample database of the build\n"
+    "                      default: the sample database of the build, or\n"
+    "                      the installed one\n"
     "  --options TEXT      option string of the open (listing, pass, extract\n"
     "                      and memory mode, e.g. \" M\" for memory mode)\n"
     "  --threads N         N workers (1 to 64), each with its own instance;\n"
@@ -202,7 +203,14 @@ std::string default_db_dir() {
   if (n <= 0) return "data/sample";
   std::string path(exe, static_cast<size_t>(n));
   std::string folder = path.substr(0, path.rfind('/'));
-  return folder + "/../data/sample";
+  // In the build tree the sample database lies beside bin/; installed, it
+  // lies where the install put it, relative to the tools' folder.
+  std::string built = folder + "/../data/sample";
+  std::string installed = folder + "/" ORLO_INSTALLED_SAMPLE_DB;
+  if (::access((built + "/LEVEL1").c_str(), F_OK) != 0 &&
+      ::access((installed + "/LEVEL1").c_str(), F_OK) == 0)
+    return installed;
+  return built;
 }
 
 }  // namespace orlo::tools::hkgeocode

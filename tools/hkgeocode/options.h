@@ -39,8 +39,8 @@ bool parse_options(int argc, char **argv, Options *options, std::string *error);
 // The --help text.
 std::string usage_text();
 
-// The sample database that the build places beside the tool's bin folder:
-// <folder of the executable>/../data/sample.
+// The sample database that the build places beside the tool's bin folder,
+// <folder of the executable>/../data/sample, or else the installed one.
 std::string default_db_dir();
 
 }  // namespace orlo::tools::hkgeocode

@@ -33,15 +33,26 @@ public final class Geocoder implements AutoCloseable {
     this.reportPath = reportPath;
   }
 
-  /** Opens the database in directory db with no options. */
+  /**
+   * Opens the database in directory db with no options (files read as needed, no listings).
+   *
+   * @param db the folder holding LEVEL1, LEVEL2 and BASEDATA
+   * @return the open instance; close it (try-with-resources) to release its slot and memory
+   * @throws GeocoderException when the files cannot be opened or all 200 slots are taken
+   */
   public static Geocoder open(Path db) {
     return open(db, "", null);
   }
 
   /**
-   * Opens the database in directory db. options is the open option string (for example "YM": its
-   * second character 'M' holds the files in memory); report, when not null, is the path of the
-   * accuracy statement written at close.
+   * Opens the database in directory db.
+   *
+   * @param db the folder holding LEVEL1, LEVEL2 and BASEDATA
+   * @param options the open option string (for example "YM": its second character 'M' holds the
+   *     files in memory), or null
+   * @param report the path of the accuracy statement written at close, or null for none
+   * @return the open instance; close it (try-with-resources) to release its slot and memory
+   * @throws GeocoderException when the files cannot be opened or all 200 slots are taken
    */
   public static Geocoder open(Path db, String options, Path report) {
     byte[] in = new Address().toRecord();
@@ -63,12 +74,26 @@ public final class Geocoder implements AutoCloseable {
     return g;
   }
 
-  /** Geocodes one address on this instance. */
+  /**
+   * Geocodes one address on this instance, which keeps the street table and candidates of the
+   * search for the next address.
+   *
+   * @param address the input address
+   * @return the result
+   * @throws IllegalStateException when the instance is closed
+   */
   public GeocodeResult geocode(Address address) {
     return call(address, false);
   }
 
-  /** Geocodes one address in a private copy of the instance, which stays unchanged. */
+  /**
+   * Geocodes one address in a private copy of the instance, which stays unchanged (its caches
+   * and counters included).
+   *
+   * @param address the input address
+   * @return the result
+   * @throws IllegalStateException when the instance is closed
+   */
   public GeocodeResult geocodeIsolated(Address address) {
     return call(address, true);
   }
@@ -102,6 +127,10 @@ public final class Geocoder implements AutoCloseable {
         && Character.toUpperCase(options.charAt(1)) == 'M';
   }
 
+  /**
+   * Closes the instance and frees its slot, writing the accuracy statement when one was asked for
+   * at open. A second close does nothing.
+   */
   @Override
   public void close() {
     if (closed) {
