@@ -129,8 +129,7 @@ bool check_raw_record(std::string_view record, std::string *error) {
   return true;
 }
 
-RowSource::RowSource(std::FILE *in, bool fixed, bool raw)
-    : in_(in), fixed_(fixed), raw_(raw) {
+RowSource::RowSource(std::FILE *in, bool fixed) : in_(in), fixed_(fixed) {
   if (!fixed_) csv_ = std::make_unique<CsvReader>(in_);
 }
 

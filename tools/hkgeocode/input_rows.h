@@ -52,9 +52,9 @@ void make_record(InputRow *row, bool raw);
 // Reads the input in batches.
 class RowSource {
  public:
-  // fixed: raw 200-byte records. raw: CSV fields placed as given, without
-  // the normalisation.
-  RowSource(std::FILE *in, bool fixed, bool raw = false);
+  // fixed: raw 200-byte records; otherwise CSV rows, whose records
+  // make_record makes afterwards (on the workers).
+  RowSource(std::FILE *in, bool fixed);
 
   // Reads the CSV header line (nothing with --fixed). False with *error set
   // when it is not the expected header.
@@ -76,7 +76,6 @@ class RowSource {
 
   std::FILE *in_;
   bool fixed_;
-  bool raw_;
   bool ended_ = false;
   long records_ = 0;
   std::unique_ptr<CsvReader> csv_;

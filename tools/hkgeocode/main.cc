@@ -212,7 +212,7 @@ int run(const Options &o) {
   if (int rc = open_streams(o, &s); rc != kExitOk) return rc;
   std::vector<std::unique_ptr<Geocoder>> instances;
   if (int rc = open_instances(o, &instances); rc != kExitOk) return rc;
-  RowSource source(s.in, o.fixed, o.raw);
+  RowSource source(s.in, o.fixed);
   std::string error;
   if (!source.start(&error)) return fail(s.in_name + ": " + error);
   if (o.table) {
