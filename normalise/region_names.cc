@@ -1,7 +1,5 @@
 #include "normalise/region_names.h"
 
-#include <string>
-
 #include "normalise/text_tidy.h"
 
 namespace orlo::norm {
@@ -53,6 +51,7 @@ constexpr Place kPlaces[] = {
     {"THE PEAK", kHK},
     {"VICTORIA PEAK", kHK},
     {"CAUSEWAY BAY", kHK},
+    {"CWB", kHK},
     {"HAPPY VALLEY", kHK},
     {"TAI HANG", kHK},
     {"TIN HAU", kHK},
@@ -150,17 +149,30 @@ bool name_char(unsigned char c) {
          (c >= 0xC0 && c <= 0xDE && c != 0xD7);
 }
 
-// The letters and digits of text in upper case: the form in which names
+// The letters and digits of a name in upper case: the form in which names
 // are compared, so that "N.T.", "n t" and "NT" are one name, as are
-// "Mid-Levels" and "MID LEVELS", or "Shatin" and "SHA TIN".
-std::string name_key(std::string_view text) {
-  std::string key;
-  for (char ch : text) {
-    unsigned char c = upper_latin1(static_cast<unsigned char>(ch));
-    if (name_char(c)) key.push_back(static_cast<char>(c));
+// "Mid-Levels" and "MID LEVELS", or "Shatin" and "SHA TIN". Held in place,
+// never on the heap: a text with more letters and digits than the longest
+// name of the tables cannot name a place and gets an empty key.
+class NameKey {
+ public:
+  explicit NameKey(std::string_view text) {
+    for (char ch : text) {
+      unsigned char c = upper_latin1(static_cast<unsigned char>(ch));
+      if (!name_char(c)) continue;
+      if (len_ == sizeof key_) {
+        len_ = 0;
+        return;
+      }
+      key_[len_++] = static_cast<char>(c);
+    }
   }
-  return key;
-}
+  std::string_view view() const { return {key_, len_}; }
+
+ private:
+  char key_[32];
+  size_t len_ = 0;
+};
 
 // True when the table's name (upper case already) has exactly the letters
 // and digits of key.
@@ -185,13 +197,13 @@ const char *find(const Place (&table)[N], std::string_view key) {
 }  // namespace
 
 const char *region_of_spelling(std::string_view text) {
-  return find(kRegionSpellings, name_key(text));
+  return find(kRegionSpellings, NameKey(text).view());
 }
 
 const char *region_of_place(std::string_view text) {
-  std::string key = name_key(text);
-  if (const char *r = find(kRegionSpellings, key)) return r;
-  return find(kPlaces, key);
+  const NameKey key(text);
+  if (const char *r = find(kRegionSpellings, key.view())) return r;
+  return find(kPlaces, key.view());
 }
 
 }  // namespace orlo::norm
