@@ -213,6 +213,25 @@ class Instance {
   bool ok_ = false;
 };
 
+// A street name with its types written out and its apostrophes dropped, to
+// tell whether a reference lies on the street an address names.
+std::string street_key(std::string_view text) {
+  std::string out;
+  while (!text.empty()) {
+    size_t blank = text.find(' ');
+    std::string_view word = text.substr(0, blank);
+    text = blank == std::string_view::npos ? "" : text.substr(blank + 1);
+    while (!word.empty() && word.back() == ' ') word.remove_suffix(1);
+    if (word.empty()) continue;
+    std::string_view full = swap_whole(word, kShortWords, false);
+    if (full == word) full = swap_whole(word, kShortDirections, false);
+    if (!out.empty()) out += ' ';
+    for (char c : full)
+      if (c != '\'') out += c;
+  }
+  return out;
+}
+
 bool accepted(const char *out) {
   return out[HKOUT_RETCODE_OFF] == HKRC_REFERENCE &&
          out[HKOUT_MATCHSTAT_OFF] == HKMS_ACCEPTED;
@@ -226,10 +245,12 @@ bool same_reference(const char *a, const char *b) {
 struct Tally {
   long addresses = 0;
   long fielded_matched = 0;
-  long same = 0;        // of those: the same reference
-  long wrong = 0;       // of those: another reference accepted
-  long line_only = 0;   // the line accepted where the fielded path did not
-  long more_tries = 0;  // the kept split was not the first
+  long same = 0;          // of those: the same reference
+  long wrong = 0;         // of those: another reference accepted
+  long wrong_street = 0;  // of the wrong: the fielded path's on a street
+                          // other than the one written
+  long line_only = 0;     // the line accepted where the fielded path did not
+  long more_tries = 0;    // the kept split was not the first
 };
 
 double percent(long part, long whole) {
@@ -341,6 +362,9 @@ int main(int argc, char **argv) {
           ++t->same;
         } else if (accepted(got)) {
           ++t->wrong;
+          t->wrong_street +=
+              street_key(a.street) !=
+              street_key({fielded + HKOUT_STREET_OFF, HKOUT_STREET_LEN});
         }
       }
       bool missed =
@@ -357,12 +381,12 @@ int main(int argc, char **argv) {
   for (int s = 0; s <= kStyles; ++s) {
     const Tally &t = s < kStyles ? tally[s] : all;
     long missed = t.fielded_matched - t.same - t.wrong;
-    std::printf("| %s | %.2f %% | %.2f %% (%ld) | %.2f %% | %ld | %.1f %% |\n",
-                s < kStyles ? kStyleNames[s] : "**all styles**",
-                percent(t.same, t.fielded_matched),
-                percent(t.wrong, t.fielded_matched), t.wrong,
-                percent(missed, t.fielded_matched), t.line_only,
-                percent(t.more_tries, t.addresses));
+    std::printf(
+        "| %s | %.2f %% | %.2f %% (%ld; %ld) | %.2f %% | %ld | %.1f %% |\n",
+        s < kStyles ? kStyleNames[s] : "**all styles**",
+        percent(t.same, t.fielded_matched), percent(t.wrong, t.fielded_matched),
+        t.wrong, t.wrong_street, percent(missed, t.fielded_matched),
+        t.line_only, percent(t.more_tries, t.addresses));
   }
   return 0;
 }

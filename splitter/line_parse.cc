@@ -123,7 +123,11 @@ bool street_name_ends_at(const Words &ws, const NameLexicon *names, int before,
 struct Tail {
   int end;           // the words before it are left to the other steps
   int district_end;  // the district is the words end..district_end-1
-  bool absorbable;   // the district may be the end of the street's name
+  // The district may be the end of the street's name: a street name of the
+  // reference data runs into it, or it is a direction right after a street
+  // type.
+  bool named_street;
+  bool after_type;
 };
 
 Tail read_tail(const Words &ws, const NameLexicon *names, Reading *r) {
@@ -153,7 +157,7 @@ Tail read_tail(const Words &ws, const NameLexicon *names, Reading *r) {
     r->region = key;
     end = from;
   }
-  Tail t{end, end, false};
+  Tail t{end, end, false, false};
   int d = tail_span(ws, 0, end, 4, norm::region_of_place, &key);
   if (d == end) return t;
   mark(r, d, end, Part::kDistrict);
@@ -170,11 +174,9 @@ Tail read_tail(const Words &ws, const NameLexicon *names, Reading *r) {
   // right after a street type ends the street, and so does a district that
   // a street name of the reference data runs into.
   if (d > 0 && !ws.at[d - 1].comma_after) {
-    bool direction_after_type = end - d == 1 &&
-                                direction(ws.at[d].canonical()) &&
-                                street_type(ws.at[d - 1].canonical());
-    t.absorbable =
-        direction_after_type || street_name_ends_at(ws, names, d, end);
+    t.after_type = end - d == 1 && direction(ws.at[d].canonical()) &&
+                   street_type(ws.at[d - 1].canonical());
+    t.named_street = street_name_ends_at(ws, names, d, end);
   }
   t.end = d;
   return t;
@@ -507,7 +509,7 @@ int read_line(const Words &words, const NameLexicon *names,
   UnitScan{words, &read, tail.end}.run();
   FreeWords{words, names, &read, tail.end}.run();
   readings[0] = read;
-  if (!tail.absorbable) return 1;
+  if (!tail.named_street && !tail.after_type) return 1;
   mark(&absorbed, tail.end, tail.district_end, Part::kExtra);
   if (absorbed.from_district) {
     absorbed.region = absorbed.second_region;
@@ -518,10 +520,15 @@ int read_line(const Words &words, const NameLexicon *names,
   UnitScan{words, &absorbed, tail.district_end}.run();
   FreeWords{words, names, &absorbed, tail.district_end}.run();
   // Only a street that closes with the district's words makes that reading
-  // worth a try.
+  // worth a try. It comes first when the reference data names such a
+  // street, or when the district reading finds no street it names.
   if (absorbed.part[tail.district_end - 1] != Part::kStreet) return 1;
-  readings[0] = absorbed;
-  readings[1] = read;
+  if (tail.named_street || read.street != Found::kNames) {
+    readings[0] = absorbed;
+    readings[1] = read;
+  } else {
+    readings[1] = absorbed;
+  }
   return 2;
 }
 

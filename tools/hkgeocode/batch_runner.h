@@ -17,8 +17,10 @@ class BatchRunner {
   explicit BatchRunner(std::vector<std::unique_ptr<Geocoder>> *instances);
 
   // Fills outrecs with one 300-byte output record per row, in row order.
-  // Bad rows are not processed; their records are left blank.
-  void run(const std::vector<InputRow> &rows, std::vector<char> *outrecs);
+  // Bad rows are not processed; their records are left blank. A row of an
+  // address line gets the record of its split and how it was split, or
+  // (refused) its error.
+  void run(std::vector<InputRow> *rows, std::vector<char> *outrecs);
 
  private:
   std::vector<std::unique_ptr<Geocoder>> *instances_;

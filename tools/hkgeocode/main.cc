@@ -105,7 +105,8 @@ void report_bad_row(const std::string &in_name, bool fixed,
                fixed ? "record " : "", row.line, row.error.c_str());
 }
 
-void write_rows(const Options &o, const std::vector<InputRow> &rows,
+void write_rows(const Options &o, const OutputLayout &layout,
+                const std::vector<InputRow> &rows,
                 const std::vector<char> &outrecs, std::FILE *out,
                 std::string *buffer) {
   buffer->clear();
@@ -116,9 +117,9 @@ void write_rows(const Options &o, const std::vector<InputRow> &rows,
     } else if (o.table) {
       append_table_row(rows[i], rec, buffer);
     } else if (rows[i].bad()) {
-      append_bad_row(rows[i], buffer);
+      append_bad_row(layout, rows[i], buffer);
     } else {
-      append_result_row(rows[i], rec, buffer);
+      append_result_row(layout, rows[i], rec, buffer);
     }
   }
   std::fwrite(buffer->data(), 1, buffer->size(), out);
@@ -129,6 +130,7 @@ void process_all(const Options &o, const Streams &s, RowSource *source,
                  Totals *totals) {
   Progress progress(!o.quiet, regular_file_size(s.in));
   BatchRunner runner(instances);
+  const OutputLayout layout{source->columns(), o.lines};
   std::vector<InputRow> rows;
   std::vector<char> outrecs;
   std::string buffer;
@@ -136,7 +138,7 @@ void process_all(const Options &o, const Streams &s, RowSource *source,
   for (;;) {
     rows.clear();
     if (source->read_batch(batch, &rows) == 0) break;
-    runner.run(rows, &outrecs);
+    runner.run(&rows, &outrecs);
     for (size_t i = 0; i < rows.size(); ++i) {
       if (rows[i].bad()) {
         progress.finish();  // messages start on a line of their own
@@ -144,7 +146,7 @@ void process_all(const Options &o, const Streams &s, RowSource *source,
       }
       totals->add(rows[i], outrecs.data() + i * HKOUTREC_SIZE);
     }
-    write_rows(o, rows, outrecs, s.out, &buffer);
+    write_rows(o, layout, rows, outrecs, s.out, &buffer);
     progress.update(totals->read, source->bytes_read());
   }
   progress.finish();
@@ -220,13 +222,14 @@ int run(const Options &o) {
   if (int rc = open_streams(o, &s); rc != kExitOk) return rc;
   std::vector<std::unique_ptr<Geocoder>> instances;
   if (int rc = open_instances(o, &instances); rc != kExitOk) return rc;
-  RowSource source(s.in, o.fixed, o.raw);
+  RowSource source = o.lines ? RowSource::lines(s.in, o.column)
+                             : RowSource(s.in, o.fixed, o.raw);
   std::string error;
   if (!source.start(&error)) return fail(s.in_name + ": " + error);
   if (o.table) {
     std::fputs(table_header().c_str(), s.out);
   } else if (!o.fixed) {
-    std::fputs(csv_header().c_str(), s.out);
+    std::fputs(csv_header({source.columns(), o.lines}).c_str(), s.out);
   }
 
   Totals totals;
