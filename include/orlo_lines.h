@@ -68,9 +68,10 @@ enum ORLO_LINE_STATUS {
 /* What became of a line. */
 typedef struct ORLO_LINE_INFO {
   int32_t status; /* an ORLO_LINE_STATUS */
-  /* Which split of the line the record and result are from: 1 for the
-   * first (the most likely reading), 2 for the next, ...; 0 when the line
-   * was refused. */
+  /* Which split of the line the record and result are from, as the
+   * matcher was given them: 1 for the first (the most likely reading), 2
+   * for the next, ...; 0 when the line was refused. orlo_line_split gives
+   * the first. */
   int32_t split;
   /* The splits that went to the matcher (orlo_line_geocode); 1 for
    * orlo_line_split. */

@@ -44,6 +44,7 @@ struct Try {
   bool fallback;    // tried only while no street like it has been found
   bool as_written;  // the words as the line has them (place_reading)
   bool placed;      // inrec holds the split
+  int call;         // its process call for the line, counting from 1
   char inrec[HKINREC_SIZE];
 };
 
@@ -388,6 +389,7 @@ struct Runner {
       }
       int32_t dr = 0, dm = 0;
       process(t.inrec, w.result, &dr, &dm);
+      t.call = tries;
       int rk = rank(w.result);
       if (rk > kept_rank) {
         kept = i;
@@ -416,6 +418,7 @@ struct Runner {
     t.how = RegionHow::kNone;
     int32_t dr = 0, dm = 0;
     process(t.inrec, w.best, &dr, &dm);
+    t.call = tries;
     read_delta = dr;
     matched_delta = dm;
   }
@@ -448,7 +451,7 @@ int32_t split_line(void *handle, const char *line, size_t len, char *inrec,
     if (st != ORLO_LINE_OK) continue;
     std::memcpy(inrec, w.tries[i].inrec, HKINREC_SIZE);
     if (info != nullptr) {
-      info->split = i + 1;
+      info->split = 1;
       info->tries = 1;
       write_note(w, w.tries[i], false, info->note);
     }
@@ -492,7 +495,7 @@ int32_t geocode_line(void *handle, const char *line, size_t len, char *inrec,
   std::memcpy(outrec, w.best, HKOUTREC_SIZE);
   if (inrec != nullptr) std::memcpy(inrec, w.tries[kept].inrec, HKINREC_SIZE);
   if (info != nullptr) {
-    info->split = kept + 1;
+    info->split = w.tries[kept].call;
     info->tries = run.tries;
     write_note(w, w.tries[kept], ambiguous, info->note);
   }
