@@ -129,11 +129,43 @@ int32_t not_latin1(utf8proc_int32_t cp, std::string *reason) {
   return ORLO_NORM_NOT_LATIN1;
 }
 
+// Printable ASCII, tabs and line ends: text on which the Unicode steps
+// change nothing (no ASCII character has a compatibility form, a lumped
+// form or an accent), so that tidying is folding and blank collapsing.
+bool plain_ascii(std::string_view text) {
+  for (char ch : text) {
+    auto c = static_cast<unsigned char>(ch);
+    if (c >= 0x7F || (c < 0x20 && !line_space(c))) return false;
+  }
+  return true;
+}
+
+void tidy_ascii(std::string_view text, std::string *out) {
+  out->resize(text.size());  // the tidied text is never longer
+  size_t n = 0;
+  bool blank_due = false;
+  for (char ch : text) {
+    auto c = static_cast<unsigned char>(ch);
+    if (c == ' ' || line_space(c)) {
+      blank_due = n > 0;
+      continue;
+    }
+    if (blank_due) (*out)[n++] = ' ';
+    blank_due = false;
+    (*out)[n++] = static_cast<char>(upper_latin1(c));
+  }
+  out->resize(n);
+}
+
 }  // namespace
 
 int32_t tidy_text(std::string_view text, std::string *out, std::string *reason,
                   TidyScratch *scratch) {
   out->clear();
+  if (plain_ascii(text)) {
+    tidy_ascii(text, out);
+    return ORLO_NORM_OK;
+  }
   CodePoints &cps = scratch->code_points;
   decode(text, &cps);
   if (int32_t st = check_controls(&cps, reason); st != ORLO_NORM_OK) return st;

@@ -40,6 +40,8 @@ int tail_span(const Words &ws, int lo, int end, int most, Names names,
   for (int k = most; k >= 1; --k) {
     int from = end - k;
     if (from < lo || !no_comma_inside(ws, from, end)) continue;
+    if (ws.at[from].is(kPremiseNumber) || ws.at[end - 1].is(kPremiseNumber))
+      continue;  // no place is named with a number
     char buf[64];
     std::string_view text = joined(ws, from, end, buf);
     if (text.empty()) continue;
@@ -84,14 +86,19 @@ int longest_name(const Words &ws, const NameLexicon *names, int from, int to,
   if (names == nullptr) return 0;
   char key[kKeyMax];
   size_t n = 0;
+  uint64_t hash = kNameHashStart;
   int best = 0;
   for (int i = from; i < to && i - from < names->max_words(); ++i) {
     std::string_view c = ws.at[i].canonical();
     if (n + c.size() + 1 > sizeof key) break;
-    if (n > 0) key[n++] = ' ';
+    if (n > 0) {
+      key[n++] = ' ';
+      hash = name_hash_more(hash, " ");
+    }
     std::memcpy(key + n, c.data(), c.size());
     n += c.size();
-    const NameEntry *e = names->find({key, n});
+    hash = name_hash_more(hash, c);
+    const NameEntry *e = names->find({key, n}, hash);
     const RegionMask regions = e == nullptr                ? 0
                                : kind == NameKind::kStreet ? e->streets
                                                            : e->buildings;
@@ -132,7 +139,7 @@ struct Tail {
 
 Tail read_tail(const Words &ws, const NameLexicon *names, Reading *r) {
   int end = ws.count;
-  while (end > 0 && territory_word(ws.at[end - 1].canonical())) {
+  while (end > 0 && ws.at[end - 1].is(kTerritory)) {
     r->part[--end] = Part::kDropped;
   }
   const char *key = nullptr;
@@ -174,8 +181,8 @@ Tail read_tail(const Words &ws, const NameLexicon *names, Reading *r) {
   // right after a street type ends the street, and so does a district that
   // a street name of the reference data runs into.
   if (d > 0 && !ws.at[d - 1].comma_after) {
-    t.after_type = end - d == 1 && direction(ws.at[d].canonical()) &&
-                   street_type(ws.at[d - 1].canonical());
+    t.after_type =
+        end - d == 1 && ws.at[d].is(kDirection) && ws.at[d - 1].is(kStreetType);
     t.named_street = street_name_ends_at(ws, names, d, end);
   }
   t.end = d;
@@ -195,24 +202,25 @@ struct UnitScan {
     return free_word(j) && !ws.at[j - 1].comma_after;
   }
   std::string_view text(int j) const { return ws.at[j].text; }
+  bool is(int j, WordClass c) const { return ws.at[j].is(c); }
 
   // "FLAT B", "RM 1203", "SHOP NO. 5", or a keyword alone before a floor.
   int unit_at(int i) const {
     int j = i + 1;
-    if (joined_to(j) && number_sign(text(j))) ++j;
+    if (joined_to(j) && is(j, kNumberSign)) ++j;
     if (joined_to(j) && designator(text(j))) return j + 1;
-    if (joined_to(i + 1) && floor_word(text(i + 1))) return i + 1;
+    if (joined_to(i + 1) && is(i + 1, kFloorWord)) return i + 1;
     return i;
   }
 
   // "12TH FLOOR", "FLOOR 12", "GROUND FLOOR".
   int floor_at(int i) const {
-    std::string_view w = text(i);
-    if (floor_word(w)) return i + 1;
+    if (is(i, kFloorWord)) return i + 1;
     if (!joined_to(i + 1)) return i;
-    std::string_view next = text(i + 1);
-    if ((ordinal(w) || w == "GROUND") && floor_noun(next)) return i + 2;
-    if (floor_noun(w) && w != "F" && (ordinal(next) || premise_number(next)))
+    if ((is(i, kOrdinal) || text(i) == "GROUND") && is(i + 1, kFloorNoun))
+      return i + 2;
+    if (is(i, kFloorNoun) && text(i) != "F" &&
+        (is(i + 1, kOrdinal) || is(i + 1, kPremiseNumber)))
       return i + 2;
     return i;
   }
@@ -221,14 +229,14 @@ struct UnitScan {
   // followed by more words is taken for the premise number of a building
   // named "... TOWER" ("SUN HING TOWER 28 NATHAN ROAD").
   int estate_at(int i) const {
-    std::string_view w = text(i);
-    if (compass(w) && joined_to(i + 1) && text(i + 1) == "WING") return i + 2;
-    if (!estate_keyword(w) || !joined_to(i + 1) ||
+    if (is(i, kCompass) && joined_to(i + 1) && text(i + 1) == "WING")
+      return i + 2;
+    if (!is(i, kEstateKeyword) || !joined_to(i + 1) ||
         !estate_designator(text(i + 1)))
       return i;
-    bool tower = w == "TOWER" || w == "TWR";
-    if (tower && premise_number(text(i + 1)) && joined_to(i + 2) &&
-        !unit_keyword(text(i + 2)) && !floor_word(text(i + 2)))
+    bool tower = text(i) == "TOWER" || text(i) == "TWR";
+    if (tower && is(i + 1, kPremiseNumber) && joined_to(i + 2) &&
+        !is(i + 2, kUnitKeyword) && !is(i + 2, kFloorWord))
       return i;
     return i + 2;
   }
@@ -236,7 +244,7 @@ struct UnitScan {
   void run() {
     for (int i = 0; i < end; ++i) {
       if (!unclaimed(*r, i)) continue;
-      if (unit_keyword(text(i))) {
+      if (is(i, kUnitKeyword)) {
         int to = unit_at(i);
         if (to > i) mark(r, i, to, Part::kUnit);
         i = to > i ? to - 1 : i;
@@ -271,12 +279,12 @@ struct FreeWords {
   // The first free word after word i, across a comma but not across a
   // claimed word; -1 when none.
   int next_free(int i) const { return free_word(i + 1) ? i + 1 : -1; }
-  std::string_view canon(int i) const { return ws.at[i].canonical(); }
+  bool is(int i, WordClass c) const { return ws.at[i].is(c); }
 
   // The words from t on that close a street after its type word t.
   int street_close(int t, int stop) const {
     int e = t + 1;
-    while (e < stop && (street_type(canon(e)) || direction(canon(e)))) ++e;
+    while (e < stop && (is(e, kStreetType) || is(e, kDirection))) ++e;
     return e;
   }
 
@@ -284,7 +292,7 @@ struct FreeWords {
   // `stop`, or -1.
   int type_word(int from, int stop) const {
     for (int t = from + 1; t < stop; ++t)
-      if (street_type(canon(t))) return t;
+      if (is(t, kStreetType)) return t;
     return -1;
   }
 
@@ -292,10 +300,9 @@ struct FreeWords {
   // reference data follows it, 2 words closed by a street type, 1 other
   // words, 0 nothing.
   int premise_score(int i) const {
-    if (!premise_number(ws.at[i].text) || ordinal(ws.at[i].text)) return -1;
+    if (!is(i, kPremiseNumber)) return -1;
     int s = next_free(i);
-    if (s < 0 || (premise_number(ws.at[s].text) && !ordinal(ws.at[s].text)))
-      return 0;
+    if (s < 0 || is(s, kPremiseNumber)) return 0;
     const NameEntry *e = nullptr;
     if (longest_name(ws, names, s, run_end(s), NameKind::kStreet, &e) > 0)
       return 3;
@@ -337,7 +344,7 @@ struct FreeWords {
   // Whether the words from..stop-1 may be a building: they end in a
   // building type or are a building of the reference data.
   bool building_like(int from, int stop) const {
-    return from >= stop || building_type(canon(stop - 1)) ||
+    return from >= stop || is(stop - 1, kBuildingType) ||
            building_at_end(from - 1, stop) == from;
   }
 
@@ -360,7 +367,7 @@ struct FreeWords {
       set_street(s, street_close(t, stop), Found::kType, nullptr);
     } else if (int b = building_at_end(s, stop); b >= 0) {
       set_street(s, b, Found::kPlace, nullptr);
-    } else if (!building_type(canon(stop - 1))) {
+    } else if (!is(stop - 1, kBuildingType)) {
       set_street(s, stop, Found::kPlace, nullptr);
     }
   }
@@ -373,7 +380,7 @@ struct FreeWords {
       if (!free_word(i)) continue;
       const NameEntry *e = nullptr;
       int n = longest_name(ws, names, i, run_end(i), NameKind::kStreet, &e);
-      if (n > 0 && !building_type(canon(i + n - 1))) {
+      if (n > 0 && !is(i + n - 1, kBuildingType)) {
         set_street(i, i + n, Found::kNames, e);
         return;
       }
@@ -386,7 +393,7 @@ struct FreeWords {
       if (t < 0) continue;
       int from = i;
       for (int k = i; k < t; ++k)
-        if (building_type(canon(k))) from = k + 1;
+        if (is(k, kBuildingType)) from = k + 1;
       if (from < t) {
         set_street(from, street_close(t, stop), Found::kType, nullptr);
         return;
@@ -425,7 +432,7 @@ struct FreeWords {
         continue;
       }
       int stop = run_end(i);
-      if (building_type(canon(stop - 1))) {
+      if (is(stop - 1, kBuildingType)) {
         set_building(i, stop, Found::kType);
         return;
       }
@@ -452,7 +459,7 @@ struct FreeWords {
     int anchor = -1;
     if (p >= 0) {
       mark(r, p, p + 1, Part::kPremno);
-      if (free_word(p - 1) && number_sign(ws.at[p - 1].text) &&
+      if (free_word(p - 1) && ws.at[p - 1].is(kNumberSign) &&
           !ws.at[p - 1].comma_after)
         mark(r, p - 1, p, Part::kDropped);
       anchor = p;
@@ -489,12 +496,12 @@ void read_words(std::string_view tidied, Words *out) {
     i = j;
     if (text.empty()) continue;
     Word &w = out->at[out->count];
-    bool after_type =
-        out->count > 0 && street_type(out->at[out->count - 1].canonical());
+    bool after_type = out->count > 0 && out->at[out->count - 1].is(kStreetType);
     w.text = text;
     w.canon_len =
         static_cast<uint8_t>(canonical_word(text, after_type, w.canon));
     w.comma_after = false;
+    w.classes = classify(text, w.canonical());
     ++out->count;
   }
 }

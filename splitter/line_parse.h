@@ -20,8 +20,10 @@ struct Word {
   char canon[kCanonMax];  // canonical_word of it
   uint8_t canon_len = 0;
   bool comma_after = false;  // a comma or semicolon follows it
+  uint16_t classes = 0;      // its WordClass bits
 
   std::string_view canonical() const { return {canon, canon_len}; }
+  bool is(WordClass c) const { return (classes & c) != 0; }
 };
 
 struct Words {

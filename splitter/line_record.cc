@@ -11,10 +11,11 @@ namespace {
 
 // One field being filled: its text so far and its width.
 struct Field {
-  char text[HKINREC_SIZE] = {};
+  char text[HKINREC_SIZE];  // the first len bytes are the field's
   size_t len = 0;
   size_t width;
 
+  // cppcheck-suppress uninitMemberVar ; text is written before it is read
   explicit Field(size_t w) : width(w) {}
   // Appends a word after a blank; false when it does not fit.
   bool add(std::string_view word) {

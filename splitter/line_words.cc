@@ -1,6 +1,7 @@
 #include "splitter/line_words.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace orlo::lines {
@@ -60,7 +61,7 @@ constexpr std::string_view kEstateKeywords[] = {
     "BLOCK", "BLK", "TOWER", "TWR", "PHASE", "PH", "WING",
 };
 
-constexpr std::string_view kCompass[] = {"EAST", "WEST", "NORTH", "SOUTH"};
+constexpr std::string_view kCompassWords[] = {"EAST", "WEST", "NORTH", "SOUTH"};
 
 constexpr std::string_view kRoman[] = {"I",  "II",  "III",  "IV", "V",
                                        "VI", "VII", "VIII", "IX", "X"};
@@ -68,18 +69,104 @@ constexpr std::string_view kRoman[] = {"I",  "II",  "III",  "IV", "V",
 // Letters before "/F" in a floor word.
 constexpr std::string_view kFloorLetters[] = {"G", "UG", "LG", "M", "B"};
 
-constexpr std::string_view kTerritory[] = {"SAR", "CHINA", "PRC", "HKSAR"};
+constexpr std::string_view kTerritoryWords[] = {"SAR", "CHINA", "PRC", "HKSAR"};
 
-template <size_t N>
-bool among(std::string_view word, const std::string_view (&set)[N]) {
-  return std::find(std::begin(set), std::end(set), word) != std::end(set);
+// Every word of the tables above with what it is (as a word and as a
+// canonical word) and, for an abbreviation, its written-out form: an open
+// hash table built when the library is compiled, so that classifying a word
+// of a line costs a probe or two.
+struct Keyword {
+  std::string_view word;
+  uint16_t as_word = 0;        // WordClass bits of the word as written
+  uint16_t as_canon = 0;       // WordClass bits of the word as canonical form
+  std::string_view full;       // written out, for an abbreviation
+  std::string_view direction;  // written out after a street type
+  bool roman = false;
+  bool floor_letters = false;  // before "/F": G/F, UG/F, LG/F, M/F, B/F
+};
+
+constexpr size_t kKeywordSlots = 512;
+
+constexpr size_t keyword_hash(std::string_view w) {
+  size_t h = w.size();
+  for (char c : w) h = h * 131 + static_cast<unsigned char>(c);
+  return h % kKeywordSlots;
 }
 
+struct KeywordTable {
+  std::array<Keyword, kKeywordSlots> slots{};
+
+  constexpr Keyword &at(std::string_view w) {
+    size_t h = keyword_hash(w);
+    while (!slots[h].word.empty() && slots[h].word != w)
+      h = (h + 1) % kKeywordSlots;
+    slots[h].word = w;
+    return slots[h];
+  }
+  const Keyword *find(std::string_view w) const {
+    if (w.empty()) return nullptr;
+    size_t h = keyword_hash(w);
+    while (!slots[h].word.empty()) {
+      if (slots[h].word == w) return &slots[h];
+      h = (h + 1) % kKeywordSlots;
+    }
+    return nullptr;
+  }
+};
+
 template <size_t N>
-const Abbreviation *lookup(std::string_view word,
-                           const Abbreviation (&table)[N]) {
-  for (const Abbreviation &a : table)
-    if (a.word == word) return &a;
+constexpr void add_words(KeywordTable &t, const std::string_view (&words)[N],
+                         uint16_t as_word, uint16_t as_canon) {
+  for (std::string_view w : words) {
+    t.at(w).as_word |= as_word;
+    t.at(w).as_canon |= as_canon;
+  }
+}
+
+constexpr KeywordTable make_keywords() {
+  KeywordTable t;
+  for (const Abbreviation &a : kAbbreviations) t.at(a.word).full = a.full;
+  for (const Abbreviation &a : kDirections) t.at(a.word).direction = a.full;
+  add_words(t, kStreetTypes, 0, kStreetType);
+  add_words(t, kDirectionWords, 0, kDirection);
+  add_words(t, kBuildingTypes, 0, kBuildingType);
+  add_words(t, kTerritoryWords, 0, kTerritory);
+  add_words(t, kUnitKeywords, kUnitKeyword, 0);
+  add_words(t, kFloorNouns, kFloorNoun, 0);
+  add_words(t, kEstateKeywords, kEstateKeyword, 0);
+  add_words(t, kCompassWords, kCompass, 0);
+  for (std::string_view w : kRoman) t.at(w).roman = true;
+  for (std::string_view w : kFloorLetters) t.at(w).floor_letters = true;
+  t.at("NO").as_word |= kNumberSign;
+  return t;
+}
+
+constexpr KeywordTable kKeywords = make_keywords();
+
+uint16_t canon_classes(std::string_view canon) {
+  const Keyword *k = kKeywords.find(canon);
+  return k != nullptr ? k->as_canon : 0;
+}
+uint16_t word_classes(std::string_view word) {
+  const Keyword *k = kKeywords.find(word);
+  return k != nullptr ? k->as_word : 0;
+}
+bool roman(std::string_view w) {
+  const Keyword *k = kKeywords.find(w);
+  return k != nullptr && k->roman;
+}
+bool floor_letters(std::string_view w) {
+  const Keyword *k = kKeywords.find(w);
+  return k != nullptr && k->floor_letters;
+}
+
+// The written-out form of an abbreviation (a direction only after a street
+// type), or NULL.
+const std::string_view *written_out(std::string_view w, bool after_type) {
+  const Keyword *k = kKeywords.find(w);
+  if (k == nullptr) return nullptr;
+  if (!k->full.empty()) return &k->full;
+  if (after_type && !k->direction.empty()) return &k->direction;
   return nullptr;
 }
 
@@ -119,27 +206,26 @@ size_t canonical_word(std::string_view word, bool after_street_type,
     plain[n++] = c;
   }
   std::string_view w(plain, n);
-  const Abbreviation *a = lookup(w, kAbbreviations);
-  if (a == nullptr && after_street_type) a = lookup(w, kDirections);
-  if (a != nullptr) w = a->full;
+  if (const std::string_view *full = written_out(w, after_street_type))
+    w = *full;
   std::memcpy(out, w.data(), w.size());
   return w.size();
 }
 
 bool street_type(std::string_view canon) {
-  return among(canon, kStreetTypes);
+  return (canon_classes(canon) & kStreetType) != 0;
 }
 
 bool direction(std::string_view canon) {
-  return among(canon, kDirectionWords);
+  return (canon_classes(canon) & kDirection) != 0;
 }
 
 bool building_type(std::string_view canon) {
-  return among(canon, kBuildingTypes);
+  return (canon_classes(canon) & kBuildingType) != 0;
 }
 
 bool unit_keyword(std::string_view word) {
-  return among(word, kUnitKeywords);
+  return (word_classes(word) & kUnitKeyword) != 0;
 }
 
 bool floor_word(std::string_view w) {
@@ -155,9 +241,9 @@ bool floor_word(std::string_view w) {
   if (count_digits(head, 0) == head.size()) return head.size() <= 3;
   // B1/F, LG2/F: letters with one digit.
   if (head.size() >= 2 && digit(head.back()) &&
-      among(head.substr(0, head.size() - 1), kFloorLetters))
+      floor_letters(head.substr(0, head.size() - 1)))
     return true;
-  return among(head, kFloorLetters);
+  return floor_letters(head);
 }
 
 bool ordinal(std::string_view w) {
@@ -168,15 +254,15 @@ bool ordinal(std::string_view w) {
 }
 
 bool floor_noun(std::string_view word) {
-  return among(word, kFloorNouns);
+  return (word_classes(word) & kFloorNoun) != 0;
 }
 
 bool estate_keyword(std::string_view word) {
-  return among(word, kEstateKeywords);
+  return (word_classes(word) & kEstateKeyword) != 0;
 }
 
 bool compass(std::string_view word) {
-  return among(word, kCompass);
+  return (word_classes(word) & kCompass) != 0;
 }
 
 bool designator(std::string_view w) {
@@ -188,7 +274,7 @@ bool designator(std::string_view w) {
     any_digit = any_digit || digit(c);
   }
   if (!digit(w[0]) && !letter(w[0])) return false;
-  return any_digit || w.size() <= 2 || among(w, kRoman);
+  return any_digit || w.size() <= 2 || roman(w);
 }
 
 bool estate_designator(std::string_view w) {
@@ -197,17 +283,16 @@ bool estate_designator(std::string_view w) {
   if (d == w.size()) return d <= 3;
   if (d > 0) return d + 1 == w.size() && letter(w.back());  // 2B
   if (!letter(w[0])) return false;
-  if (w.size() == 1 || among(w, kRoman)) return true;
+  if (w.size() == 1 || roman(w)) return true;
   return count_digits(w, 1) == w.size() - 1;  // A1
 }
 
 std::string_view written_out_type(std::string_view word,
                                   bool after_street_type) {
-  const Abbreviation *a = lookup(word, kAbbreviations);
-  if (a == nullptr && after_street_type) a = lookup(word, kDirections);
-  if (a == nullptr) return {};
-  return street_type(a->full) || building_type(a->full) || direction(a->full)
-             ? a->full
+  const std::string_view *full = written_out(word, after_street_type);
+  if (full == nullptr) return {};
+  return canon_classes(*full) & (kStreetType | kBuildingType | kDirection)
+             ? *full
              : std::string_view{};
 }
 
@@ -221,11 +306,32 @@ bool premise_number(std::string_view w) {
 }
 
 bool number_sign(std::string_view word) {
-  return word == "NO";
+  return (word_classes(word) & kNumberSign) != 0;
 }
 
 bool territory_word(std::string_view word) {
-  return among(word, kTerritory);
+  return (canon_classes(word) & kTerritory) != 0;
+}
+
+uint16_t classify(std::string_view word, std::string_view canon) {
+  const Keyword *k = kKeywords.find(word);
+  uint16_t classes = k != nullptr ? k->as_word : 0;
+  if (canon == word) {
+    classes |= k != nullptr ? k->as_canon : 0;
+  } else {
+    classes |= canon_classes(canon);
+  }
+  // The shapes: floors, ordinals, codes and numbers, none of them longer
+  // than a premise number or starting other than with a letter or digit.
+  if (word.empty() || word.size() > 8 || (!digit(word[0]) && !letter(word[0])))
+    return classes;
+  if (floor_word(word)) classes |= kFloorWord;
+  if (ordinal(word)) {
+    classes |= kOrdinal;
+  } else if (premise_number(word)) {
+    classes |= kPremiseNumber;
+  }
+  return classes;
 }
 
 }  // namespace orlo::lines

@@ -7,6 +7,7 @@
 #define ORLO_SPLITTER_LINE_WORDS_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace orlo::lines {
@@ -72,6 +73,25 @@ bool number_sign(std::string_view word);
 // Words that name the territory after a region or district ("SAR",
 // "CHINA", "PRC", "HKSAR"); they place nothing.
 bool territory_word(std::string_view word);
+
+// What a word can be, by the tests above (those marked canonical on its
+// canonical form), worked out once when a line is read; whether it is a
+// designator is asked only after a keyword.
+enum WordClass : uint16_t {
+  kStreetType = 1 << 0,    // canonical
+  kDirection = 1 << 1,     // canonical
+  kBuildingType = 1 << 2,  // canonical
+  kTerritory = 1 << 3,     // canonical
+  kUnitKeyword = 1 << 4,
+  kFloorWord = 1 << 5,
+  kOrdinal = 1 << 6,
+  kFloorNoun = 1 << 7,
+  kEstateKeyword = 1 << 8,
+  kCompass = 1 << 9,
+  kPremiseNumber = 1 << 10,  // a premise number that is not an ordinal
+  kNumberSign = 1 << 11,
+};
+uint16_t classify(std::string_view word, std::string_view canon);
 
 }  // namespace orlo::lines
 

@@ -10,15 +10,6 @@
 namespace orlo::lines {
 namespace {
 
-uint64_t hash_key(std::string_view key) {
-  uint64_t h = 0xCBF29CE484222325ull;  // FNV-1a
-  for (char c : key) {
-    h ^= static_cast<unsigned char>(c);
-    h *= 0x100000001B3ull;
-  }
-  return h;
-}
-
 RegionMask bit_of(int32_t region) {
   return region >= 0 && region < 32 ? RegionMask{1} << region : 0;
 }
@@ -72,7 +63,7 @@ void NameLexicon::grow() {
   for (uint32_t i = 0; i < entries_.size(); ++i) {
     const NameEntry &e = entries_[i];
     std::string_view key(text_.data() + e.text, e.length);
-    slots_[slot_of(key, hash_key(key))] = i + 1;
+    slots_[slot_of(key, name_hash(key))] = i + 1;
   }
 }
 
@@ -82,7 +73,7 @@ void NameLexicon::add(NameKind kind, int32_t region, std::string_view name) {
   std::string_view k(key, canonical_name(name, key, &words));
   if (k.empty()) return;
   if ((entries_.size() + 1) * 2 > slots_.size()) grow();
-  uint32_t s = slot_of(k, hash_key(k));
+  uint32_t s = slot_of(k, name_hash(k));
   if (slots_[s] == 0) {
     NameEntry e{};
     e.text = static_cast<uint32_t>(text_.size());
@@ -115,8 +106,12 @@ std::string_view NameLexicon::spelling(const NameEntry &e,
 }
 
 const NameEntry *NameLexicon::find(std::string_view key) const {
+  return find(key, name_hash(key));
+}
+
+const NameEntry *NameLexicon::find(std::string_view key, uint64_t hash) const {
   if (slots_.empty() || key.empty()) return nullptr;
-  uint32_t s = slot_of(key, hash_key(key));
+  uint32_t s = slot_of(key, hash);
   return slots_[s] != 0 ? &entries_[slots_[s] - 1] : nullptr;
 }
 

@@ -36,6 +36,19 @@ struct NameEntry {
 // their abbreviations written out.
 inline constexpr size_t kKeyMax = 96;
 
+// The hash of a canonical name, and of it with more bytes appended.
+inline constexpr uint64_t kNameHashStart = 0xCBF29CE484222325ull;  // FNV-1a
+constexpr uint64_t name_hash_more(uint64_t h, std::string_view more) {
+  for (char c : more) {
+    h ^= static_cast<unsigned char>(c);
+    h *= 0x100000001B3ull;
+  }
+  return h;
+}
+constexpr uint64_t name_hash(std::string_view key) {
+  return name_hash_more(kNameHashStart, key);
+}
+
 // Writes the canonical form of a name (words separated by blanks) into
 // key; returns its length and the number of words in *words.
 size_t canonical_name(std::string_view name, char (&key)[kKeyMax],
@@ -49,8 +62,11 @@ class NameLexicon final : public StoreAttachment {
   // Adds a name of the given kind and region. May throw std::bad_alloc.
   void add(NameKind kind, int32_t region, std::string_view name);
 
-  // The entry whose canonical name is key, or NULL.
+  // The entry whose canonical name is key, or NULL. hash is
+  // name_hash(key), which a caller that extends a key word by word can
+  // carry forward with name_hash_more.
   const NameEntry *find(std::string_view key) const;
+  const NameEntry *find(std::string_view key, uint64_t hash) const;
 
   // How the reference data spells the entry's name as a street or building
   // (empty when it is not one). Valid as long as the lexicon.
