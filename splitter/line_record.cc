@@ -17,8 +17,10 @@ struct Field {
 
   // cppcheck-suppress uninitMemberVar ; text is written before it is read
   explicit Field(size_t w) : width(w) {}
-  // Appends a word after a blank; false when it does not fit.
+  // Appends a word after a blank; false when it does not fit. An empty
+  // word changes nothing.
   bool add(std::string_view word) {
+    if (word.empty()) return true;
     size_t need = word.size() + (len > 0);
     if (len + need > width) return false;
     if (len > 0) text[len++] = ' ';
