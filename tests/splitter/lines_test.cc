@@ -7,10 +7,13 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "hkmatch/input/record_fields.h"
+#include "hkmatch/refdata/reference_names.h"
 #include "lib/csv_reader.h"
 #include "orlo_codes.h"
 #include "orlo_lines.h"
@@ -377,6 +380,32 @@ TEST(LineSample, LinesFindTheFieldedReference) {
   std::fclose(f);
   EXPECT_GT(fielded_matched, 180);
   EXPECT_EQ(same, fielded_matched);
+}
+
+// Instances of the same files on four threads, the names not yet collected:
+// every thread gets the same splits, and the store keeps one set of names.
+TEST(LineThreads, InstancesOfTheSameFilesShareOneSetOfNames) {
+  TestDb db(kLinesDbCsv, "20261101");
+  constexpr int kThreads = 4;
+  std::vector<std::unique_ptr<OpenInstance>> instances;
+  for (int t = 0; t < kThreads; ++t)
+    instances.push_back(std::make_unique<OpenInstance>(db.dir()));
+  const std::string line = "Rm 1203 Times Sq 1 Matheson St Causeway Bay HK";
+  std::vector<std::string> out(kThreads);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      for (int i = 0; i < 20; ++i)
+        out[t] = geocode(instances[t]->handle(), line).out;
+    });
+  }
+  for (std::thread &t : threads) t.join();
+  for (int t = 0; t < kThreads; ++t) {
+    EXPECT_EQ(out[t].substr(HKOUT_REFID_OFF, HKOUT_REFID_LEN), "00104");
+    EXPECT_EQ(store_attachment(&instances[t]->mcb()),
+              store_attachment(&instances[0]->mcb()));
+  }
+  EXPECT_NE(store_attachment(&instances[0]->mcb()), nullptr);
 }
 
 TEST_F(LineSplit, NoAllocationOnceWarm) {
