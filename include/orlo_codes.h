@@ -48,7 +48,9 @@
   X(HKRC_ERRMSG_FAILED, 'W', NULL,                                            \
     "internal failure caught at the Java boundary during getErrorMsg")        \
   X(HKRC_COPY_FAILED, 'V', NULL,                                              \
-    "internal failure or bad argument caught at the Java boundary during copyFields")
+    "internal failure or bad argument caught at the Java boundary during copyFields") \
+  X(HKRC_INPUT_REFUSED, 'E', NULL,                                            \
+    "bad input: not processed (a field or line that cannot be read as an English address, or a malformed row); the reason comes with it")
 
 /** The match statuses, one X(name, character, meaning) row each. */
 #define ORLO_MATCH_STATUSES(X)                                                \

@@ -323,6 +323,7 @@ HKSTORE::~HKSTORE() {
       delete regions[i].load();
     }
   }
+  delete attachment.load();
   std::free(index);
   std::free(level2_image);
   std::free(basedata_image);

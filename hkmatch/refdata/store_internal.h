@@ -10,6 +10,7 @@
 #include <ctime>
 #include <memory>
 
+#include "hkmatch/refdata/reference_names.h"
 #include "hkmatch/refdata/reference_store.h"
 #include "orlo_matcher.h"
 
@@ -71,6 +72,8 @@ struct HKSTORE {
   int64_t basedata_size = 0;
   std::unique_ptr<std::atomic<orlo::BuiltRegion *>[]> regions;
   std::atomic<int64_t> record_bytes{0};  // published records, bytes
+  // What a front end derived from the names of the store (owning).
+  std::atomic<orlo::StoreAttachment *> attachment{nullptr};
 
   ~HKSTORE();
 };

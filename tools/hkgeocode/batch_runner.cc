@@ -1,15 +1,35 @@
 #include "hkgeocode/batch_runner.h"
 
-#include "hkgeocode/output_format.h"
+#include <utility>
+
 #include "orlo_records.h"
 
 namespace orlo::tools::hkgeocode {
+namespace {
+
+// Splits and geocodes an address line; a refused line becomes a bad row
+// with the splitter's reason.
+void process_line(Geocoder *geocoder, InputRow *row, char *outrec) {
+  row->record.assign(HKINREC_SIZE, ' ');
+  ORLO_LINE_INFO info;
+  if (geocoder->process_line(row->address, row->record.data(), outrec, &info) !=
+      ORLO_LINE_OK) {
+    row->error = info.reason;
+    return;
+  }
+  row->split = info.split;
+  row->tries = info.tries;
+  row->note = info.note;
+}
+
+}  // namespace
 
 BatchRunner::BatchRunner(std::vector<std::unique_ptr<Geocoder>> *instances,
-                         bool raw, OutputForm form)
+                         bool raw, OutputForm form, OutputLayout layout)
     : instances_(instances),
       raw_(raw),
       form_(form),
+      layout_(std::move(layout)),
       slices_(instances->size()) {}
 
 BatchRunner::~BatchRunner() {
@@ -22,17 +42,23 @@ void BatchRunner::run_slice(size_t worker, size_t begin, size_t end) {
   out.clear();
   for (size_t i = begin; i < end; ++i) {
     InputRow &row = (*rows_)[i];
-    if (!row.bad() && row.record.empty()) make_record(&row, raw_);
     char *rec = outrecs_->data() + i * HKOUTREC_SIZE;
-    if (!row.bad()) geocoder->process(row.record.data(), rec);
+    if (row.bad()) {
+      // nothing to match
+    } else if (row.is_line) {
+      process_line(geocoder, &row, rec);
+    } else {
+      if (row.record.empty()) make_record(&row, raw_);
+      if (!row.bad()) geocoder->process(row.record.data(), rec);
+    }
     if (form_ == OutputForm::kFixed) {
       append_raw_record(row, rec, &out);
     } else if (form_ == OutputForm::kTable) {
       append_table_row(row, rec, &out);
     } else if (row.bad()) {
-      append_bad_row(row, &out);
+      append_bad_row(layout_, row, &out);
     } else {
-      append_result_row(row, rec, &out);
+      append_result_row(layout_, row, rec, &out);
     }
   }
 }

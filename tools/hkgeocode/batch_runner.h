@@ -14,6 +14,7 @@
 
 #include "hkgeocode/geocoder.h"
 #include "hkgeocode/input_rows.h"
+#include "hkgeocode/output_format.h"
 
 namespace orlo::tools::hkgeocode {
 
@@ -23,16 +24,19 @@ enum class OutputForm { kCsv, kTable, kFixed };
 class BatchRunner {
  public:
   // raw: CSV fields are placed as given, without the input normalisation.
+  // layout: the CSV output's columns.
   BatchRunner(std::vector<std::unique_ptr<Geocoder>> *instances, bool raw,
-              OutputForm form);
+              OutputForm form, OutputLayout layout);
   ~BatchRunner();  // waits for a batch still running
   BatchRunner(const BatchRunner &) = delete;
   BatchRunner &operator=(const BatchRunner &) = delete;
 
   // Starts the first `count` rows: their records are made (rows of raw
-  // records already have theirs), matched into outrecs (one 300-byte output
-  // record per row; bad rows get a blank one) and formatted. The rows and
-  // outrecs must stay untouched until wait() returns.
+  // records already have theirs; an address line is split, and gets the
+  // record of its split and how it was split, or, refused, its error),
+  // matched into outrecs (one 300-byte output record per row; bad rows get
+  // a blank one) and formatted. The rows and outrecs must stay untouched
+  // until wait() returns.
   void start(std::vector<InputRow> *rows, size_t count,
              std::vector<char> *outrecs);
 
@@ -45,6 +49,7 @@ class BatchRunner {
   std::vector<std::unique_ptr<Geocoder>> *instances_;
   bool raw_;
   OutputForm form_;
+  OutputLayout layout_;
   std::vector<InputRow> *rows_ = nullptr;
   std::vector<char> *outrecs_ = nullptr;
   std::vector<std::string> slices_;  // each worker's formatted output

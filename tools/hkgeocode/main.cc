@@ -118,7 +118,8 @@ void process_all(const Options &o, const Streams &s, RowSource *source,
                  std::vector<std::unique_ptr<Geocoder>> *instances,
                  Totals *totals) {
   Progress progress(!o.quiet, regular_file_size(s.in));
-  BatchRunner runner(instances, o.raw, output_form(o));
+  BatchRunner runner(instances, o.raw, output_form(o),
+                     OutputLayout{source->columns(), o.lines});
   std::vector<InputRow> rows[2];
   std::vector<char> outrecs;
   const size_t batch = kRowsPerWorker * instances->size();
@@ -212,13 +213,15 @@ int run(const Options &o) {
   if (int rc = open_streams(o, &s); rc != kExitOk) return rc;
   std::vector<std::unique_ptr<Geocoder>> instances;
   if (int rc = open_instances(o, &instances); rc != kExitOk) return rc;
-  RowSource source(s.in, o.fixed);
+  RowSource source =
+      o.lines ? RowSource::lines(s.in, o.column) : RowSource(s.in, o.fixed);
+
   std::string error;
   if (!source.start(&error)) return fail(s.in_name + ": " + error);
   if (o.table) {
     std::fputs(table_header().c_str(), s.out);
   } else if (!o.fixed) {
-    std::fputs(csv_header().c_str(), s.out);
+    std::fputs(csv_header({source.columns(), o.lines}).c_str(), s.out);
   }
 
   Totals totals;

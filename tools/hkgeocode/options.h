@@ -24,6 +24,8 @@ struct Options {
   int threads = 1;
   bool fixed = false;
   bool raw = false;         // CSV fields as given, not normalised
+  bool lines = false;       // addresses written as one line each
+  std::string column;       // with lines: the CSV column holding them
   bool table = false;       // a readable table instead of CSV
   std::string out_path;     // empty: standard output
   std::string report_path;  // empty: no accuracy statement

@@ -2,9 +2,16 @@ package pkgs.natives;
 
 import java.nio.charset.StandardCharsets;
 
-/** The fields of a 300-byte output record, by name. Texts have their padding removed. */
+/**
+ * The fields of a 300-byte output record, by name. Texts have their padding removed. A result of
+ * {@link Geocoder#geocode(String)} also tells how the line was split.
+ */
 public final class GeocodeResult {
   private final byte[] record;
+  private final byte[] input;
+  private final int split;
+  private final int splitsTried;
+  private final String splitNote;
 
   /**
    * Wraps an output record as the native methods wrote it.
@@ -13,10 +20,18 @@ public final class GeocodeResult {
    * @throws IllegalArgumentException when outRec is shorter than 300 bytes
    */
   public GeocodeResult(byte[] outRec) {
+    this(outRec, null, 0, 0, "");
+  }
+
+  GeocodeResult(byte[] outRec, byte[] inRec, int split, int splitsTried, String splitNote) {
     if (outRec.length < 300) {
       throw new IllegalArgumentException("an output record has 300 bytes");
     }
     this.record = outRec.clone();
+    this.input = inRec == null ? null : inRec.clone();
+    this.split = split;
+    this.splitsTried = splitsTried;
+    this.splitNote = splitNote;
   }
 
   private String text(int offset, int width) {
@@ -78,4 +93,13 @@ public final class GeocodeResult {
 
   /** {@return a copy of the raw 300-byte record} */
   public byte[] toRecord() { return record.clone(); }
+
+  /** {@return for a line, which split of it the result is from (1 the most likely); else 0} */
+  public int split() { return split; }
+  /** {@return for a line, how many splits went to the matcher; else 0} */
+  public int splitsTried() { return splitsTried; }
+  /** {@return for a line, how it was read ("region KLN from the district; ..."); else empty} */
+  public String splitNote() { return splitNote; }
+  /** {@return for a line, a copy of the 200-byte input record of the split kept; else null} */
+  public byte[] inputRecord() { return input == null ? null : input.clone(); }
 }

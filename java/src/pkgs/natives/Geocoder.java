@@ -1,5 +1,6 @@
 package pkgs.natives;
 
+import java.nio.charset.StandardCharsets;
 import java.nio.file.Path;
 
 /**
@@ -9,6 +10,7 @@ import java.nio.file.Path;
  * try (Geocoder g = Geocoder.open(Path.of("/data/hk"))) {
  *   GeocodeResult r = g.geocode(new Address().premiseNumber("88").street("NATHAN RD").region("KLN"));
  *   if (r.isMatched()) System.out.println(r.line1() + " / " + r.line2());
+ *   GeocodeResult l = g.geocode("Flat B, 12/F, 28 Nathan Rd, TST, Kowloon");
  * }
  * }</pre>
  *
@@ -84,6 +86,40 @@ public final class Geocoder implements AutoCloseable {
    */
   public GeocodeResult geocode(Address address) {
     return call(address, false);
+  }
+
+  /**
+   * Geocodes one address written as a line of text ("Rm 1203 Times Sq 1 Matheson St Causeway Bay
+   * HK"): the library splits it into the fields of the input record (street and building names
+   * from this database), tries the likely splits through the matcher and keeps the best; the
+   * result says which split it kept ({@link GeocodeResult#split()}, {@link
+   * GeocodeResult#splitNote()}). The instance counts one record for the line.
+   *
+   * @param line the address as one line of text
+   * @return the result of the split kept
+   * @throws IllegalStateException when the instance is closed
+   * @throws IllegalArgumentException when the line is refused (empty, longer than an input record
+   *     can carry, or in characters such as Chinese that have no Latin-1 form), with the reason
+   */
+  public GeocodeResult geocode(String line) {
+    if (closed) {
+      throw new IllegalStateException("geocoder is closed");
+    }
+    byte[] in = new byte[200];
+    int[] split = new int[2];
+    byte[] text = new byte[256];
+    int status =
+        LineGeocoder.geocodeLine(
+            handle, line.getBytes(StandardCharsets.UTF_8), in, outRec, split, text);
+    int end = 0;
+    while (end < text.length && text[end] != 0) {
+      end++;
+    }
+    String said = new String(text, 0, end, StandardCharsets.UTF_8);
+    if (status != 0) {
+      throw new IllegalArgumentException(said);
+    }
+    return new GeocodeResult(outRec, in, split[0], split[1], said);
   }
 
   /**
