@@ -4,7 +4,10 @@
 # Builds the optimised flavour into build/bench, generates (once) a reference
 # database of ORLO_BENCH_RECORDS records (1,000,000 by default) under /tmp,
 # and measures:
-#   - m_street comparisons per second, input cache hit and miss;
+#   - m_street comparisons per second, input cache hit and miss, and the
+#     prepared comparison (one input against 10,000 prepared names);
+#   - the street comparison against its plain form on ORLO_STREET_PAIRS
+#     random pairs (2,000,000 by default);
 #   - hk_pad + hk_mpro records per second: exact, fuzzy and realistic mixes
 #     in random and in sorted order, file and memory mode;
 #   - hk_mtci "P" records per second: exact, fuzzy, realistic and region-blank
@@ -26,7 +29,7 @@ case "${1:-}" in
   --quick) quick=1 ;;
   "") ;;
   -h | --help)
-    sed -n '2,17p' "$0" | sed 's/^# \{0,1\}//'
+    sed -n '2,21p' "$0" | sed 's/^# \{0,1\}//'
     exit 0
     ;;
   *)
@@ -36,11 +39,12 @@ case "${1:-}" in
 esac
 
 records=${ORLO_BENCH_RECORDS:-1000000}
+pairs=${ORLO_STREET_PAIRS:-2000000}
 addresses=${ORLO_BENCH_ADDRESSES:-1000000}
 min_time=2
 jni_calls=1000000
 if ((quick)); then
-  min_time=0.05 jni_calls=20000 addresses=20000
+  min_time=0.05 jni_calls=20000 addresses=20000 pairs=20000
 fi
 export ORLO_BENCH_RECORDS=$records
 db=/tmp/orlo-search-bench-$records
@@ -55,14 +59,19 @@ scripts/setup.sh >/dev/null
 command -v /usr/bin/time >/dev/null || apt-get install -y -qq time >/dev/null
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$build" -j"$(nproc)" --target hkaddrgen hkgeocode \
-  street_compare_benchmark search_benchmark call_benchmark orloHKGeocoder \
+  street_compare_benchmark search_benchmark street_differential_test \
+  call_benchmark orloHKGeocoder \
   orloHKGeocoderBenchJar >/dev/null
 
 step "m_street"
 "$build"/bench/street_compare_benchmark \
-  --benchmark_filter='BM_StreetMatcherPattern|BM_StreetFreshPairs' \
+  --benchmark_filter='BM_StreetMatcherPattern|BM_StreetFreshPairs|BM_StreetPrepared' \
   --benchmark_min_time="$min_time" --benchmark_format=json \
   --benchmark_out="$out/street.json" >/dev/null
+
+step "street comparison against its plain form, $pairs pairs"
+ORLO_STREET_PAIRS=$pairs "$build"/tests/street_differential_test \
+  --gtest_brief=1 >"$out/differential.txt"
 
 step "hk_pad + hk_mpro: random and sorted order" \
   "(the first run generates the $records-record database in $db)"

@@ -2,9 +2,12 @@
 """Prints the summary of a performance suite run (bench/run_suite.sh).
 
 Usage: bench/summarise_suite.py OUT_DIR ADDRESSES
-Reads street.json, search.json and call.json (Google Benchmark), jni.txt
-and hkgeocode.txt from OUT_DIR; checks the suite's targets and says which
-hold.
+Reads street.json, search.json and call.json (Google Benchmark),
+differential.txt, jni.txt and hkgeocode.txt from OUT_DIR; checks the suite's
+targets (street comparison and search rates, the prepared comparison's
+checksum equal to m_street's, no difference from the plain street
+comparison, the reference store's opens and memory, the JNI overhead,
+hkgeocode's rate and scaling) and says which hold.
 """
 import json
 import os
@@ -28,11 +31,30 @@ def process_rate(call, memory, mix, threads):
     return per_second(call[name])
 
 
-def street_lines(street):
-    hit = per_second_of_pairs(street["BM_StreetMatcherPattern"])
-    miss = per_second_of_pairs(street["BM_StreetFreshPairs"])
-    return [f"m_street, input from the cache (hit): {hit / 1e6:.2f} M comparisons/s",
-            f"m_street, fresh pairs (miss):         {miss / 1e6:.2f} M comparisons/s"]
+def street_lines(street, checks):
+    rows = [("BM_StreetMatcherPattern", "m_street, input from the cache (hit)", 4e6),
+            ("BM_StreetFreshPairs", "m_street, fresh pairs (miss)", 3e6),
+            ("BM_StreetPrepared", "prepared, one input / 10,000 names", 10e6),
+            ("BM_StreetPreparedPairsUnprepared", "the same pairs through m_street", None)]
+    lines = []
+    for name, label, target in rows:
+        b = street[name]
+        rate = per_second_of_pairs(b)
+        lines.append(f"{label + ':':<42}{rate / 1e6:6.2f} M comparisons/s"
+                     f"  (checksum {b.get('checksum', 0):.0f})")
+        if target:
+            checks.append((f"{label} >= {target / 1e6:.0f} M/s", rate >= target))
+    checks.append(("prepared checksum equals m_street's",
+                   street["BM_StreetPrepared"].get("checksum") ==
+                   street["BM_StreetPreparedPairsUnprepared"].get("checksum")))
+    return lines
+
+
+def differential_lines(out_dir, checks):
+    text = open(os.path.join(out_dir, "differential.txt")).read()
+    ok = "FAILED" not in text and "PASSED" in text
+    checks.append(("street comparison equals its plain form", ok))
+    return [f"street comparison against its plain form: {'no difference' if ok else 'DIFFERS'}"]
 
 
 def per_second_of_pairs(b):
@@ -75,6 +97,10 @@ def search_lines(search, checks):
             ratio = rand / sort if sort else 0.0
             lines.append(f"  {label:<11}{mode:<8}{rand:>10,.0f}{sort:>10,.0f}{ratio:>7.2f}")
             checks.append((f"random order >= 0.8 x sorted ({label}, {mode})", ratio >= 0.8))
+    for sorted_, label, target in ((0, "random", 20000), (1, "sorted", 30000)):
+        rate = per_second(search[f"BM_Search/memory:0/mix:1/sorted:{sorted_}"])
+        checks.append((f"fuzzy search, {label} order >= {target:,} records/s (file mode)",
+                       rate >= target))
     exact = per_second(search["BM_Search/memory:1/mix:0/sorted:0"])
     real = per_second(search["BM_Search/memory:1/mix:2/sorted:0"])
     checks.append(("search exact, random order >= 300,000 /s (memory mode)", exact >= 3e5))
@@ -155,8 +181,9 @@ def main():
     search = load(os.path.join(out_dir, "search.json"))
     call = load(os.path.join(out_dir, "call.json"))
     checks = []
-    sections = [street_lines(street), search_lines(search, checks),
-                process_lines(call, checks), instance_lines(call), store_lines(call, checks),
+    sections = [street_lines(street, checks), differential_lines(out_dir, checks),
+                search_lines(search, checks), process_lines(call, checks),
+                instance_lines(call), store_lines(call, checks),
                 jni_lines(call, out_dir, checks), hkgeocode_lines(out_dir, addresses, checks)]
     for s in sections:
         print("\n".join(s))

@@ -20,7 +20,7 @@ function(orlo_java_codes header output)
     string(REGEX MATCH
            "X\\((HKRC_[A-Z0-9_]+), '(.)', (NULL|\"[^\"]*\"), (\"[^\"]*\")\\)"
            _ "${row}")
-    string(APPEND constants "  public static final char ${CMAKE_MATCH_1} = '${CMAKE_MATCH_2}';\n")
+    string(APPEND constants "  /** Return code: ${CMAKE_MATCH_4}. */\n  public static final char ${CMAKE_MATCH_1} = '${CMAKE_MATCH_2}';\n")
     string(APPEND returns "      case '${CMAKE_MATCH_2}': return ${CMAKE_MATCH_4};\n")
   endforeach()
   # X(NAME, 'c', "meaning") rows of ORLO_MATCH_STATUSES.
@@ -29,7 +29,7 @@ function(orlo_java_codes header output)
   foreach(row ${rows})
     string(REGEX MATCH "X\\((HKMS_[A-Z0-9_]+), '(.)', (\"[^\"]*\")\\)" _
            "${row}")
-    string(APPEND constants "  public static final char ${CMAKE_MATCH_1} = '${CMAKE_MATCH_2}';\n")
+    string(APPEND constants "  /** Match status: ${CMAKE_MATCH_3}. */\n  public static final char ${CMAKE_MATCH_1} = '${CMAKE_MATCH_2}';\n")
     string(APPEND statuses "      case '${CMAKE_MATCH_2}': return ${CMAKE_MATCH_3};\n")
   endforeach()
   if(returns STREQUAL "" OR statuses STREQUAL "")
@@ -45,14 +45,24 @@ public final class ReturnCodes {
   private ReturnCodes() {}
 
 ${constants}
-  /** The plain meaning of a return code, or null for a byte that is none. */
+  /**
+   * The plain meaning of a return code.
+   *
+   * @param code byte 0 of an output record
+   * @return the meaning, or null for a byte that is no return code
+   */
   public static String returnMeaning(char code) {
     switch (code) {
 ${returns}      default: return null;
     }
   }
 
-  /** The plain meaning of a match status, or null for a byte that is none. */
+  /**
+   * The plain meaning of a match status.
+   *
+   * @param status byte 267 of an output record
+   * @return the meaning, or null for a byte that is no match status
+   */
   public static String matchMeaning(char status) {
     switch (status) {
 ${statuses}      default: return null;

@@ -1,304 +1,81 @@
-// Street name likeness: a cascade of ever looser comparisons, each of which
-// either settles the score or hands over to the next.
+// Street name likeness through prepared forms.
 //
-// The first street of the last call is cached, normalised, recoded and
-// packed, because the matcher compares one input street with many reference
-// streets in a row. The cache is per thread, so comparisons on any number of
-// threads need no lock and never see one another's streets.
-#include <algorithm>
-#include <array>
-#include <cstdlib>
+// The first street of the last call is cached per thread with its recoded
+// and packed areas and its form, because the matcher compares one input
+// street with many reference streets in a row: such a run prepares the
+// input once. The cache is keyed on the first street's bytes alone (not the
+// options or the length), so a cached street is taken as it was prepared;
+// when the length differs, its form is made again from the cached areas.
+// Threads never see one another's cache and need no lock.
 #include <cstring>
-#include <optional>
-#include <string_view>
 
-#include "compare/latin1_fold.h"
-#include "compare/street_words.h"
-#include "compare/text_bytes.h"
-#include "compare/word_recode.h"
+#include "compare/prepared_streets.h"
+#include "compare/street_form.h"
 #include "orlo_compare.h"
 
 namespace orlo {
 namespace {
 
-constexpr int32_t kWorkLen = kStreetWorkLen;
-static_assert(kWorkLen <= kFoldMaxLen,
-              "letter folding covers a whole work copy");
-
-// A work copy of a street: kWorkLen bytes of text area, zero-filled so that
-// the text is followed by NULs, with room behind it for the bytes that the
-// recoding writes behind the field (the widened "AV"/"BL" and its NUL) and
-// that the character alignment looks ahead, even at the full length.
-using StreetArea = std::array<char, kWorkLen + kRecodeRoom + 1>;
-
-// The recoded and packed forms keep the whole area, bytes behind the field
-// included, so that a cached street compares exactly like a fresh one.
 struct StreetCache {
-  char lastra1[kWorkLen];  // first street as it came, after folding
-  StreetArea lastra2;      // ... after normalisation and word recoding
-  StreetArea lastra3;      // ... after packing
-  int32_t lasterrs;        // its packed length
+  char lastra1[kStreetWorkLen];  // first street as it came, after folding
+  StreetAreas areas;             // ... recoded, and packed
+  StreetForm form;               // its form for fields of form_len bytes
+  int32_t form_len;
 };
 
 // Zero at thread start; constant-initialised, so no per-thread constructor.
 thread_local StreetCache street_cache{};
 
-// --- options -----------------------------------------------------------------
-
-struct StreetOptions {
-  bool fold_letters = false;  // "DI": fold Latin-1 letters to plain ones
-  bool keep_types = false;    // "TYPE": recode with the short type forms
-};
-
-StreetOptions read_options(char *options) {
-  StreetOptions o;
-  if (options == nullptr) return o;
-  size_t n = 0;
-  for (; options[n] != '\0'; ++n) {
-    if (options[n] >= 'a' && options[n] <= 'z') options[n] -= 'a' - 'A';
+// The form of street 1 (copied into area), from the cache when the cache
+// holds the same bytes.
+const StreetForm &first_street_form(const StreetArea &area, int32_t len,
+                                    const StreetOptions &opt) {
+  StreetCache &cache = street_cache;
+  if (std::memcmp(area.data(), cache.lastra1, static_cast<size_t>(len)) != 0) {
+    std::memcpy(cache.lastra1, area.data(), kStreetWorkLen);
+    recode_and_pack(area, len, opt, cache.areas);
+  } else if (cache.form_len == len) {
+    return cache.form;
   }
-  const std::string_view text(options, n);
-  o.fold_letters = (n > 1 && text.starts_with("DI")) ||
-                   text.find(";DI") != std::string_view::npos;
-  o.keep_types = n > 3 && text.starts_with("TYPE");
-  return o;
-}
-
-// --- work copies
-// -------------------------------------------------------------------
-
-// Copies a street into a zero-filled area and returns the length to work
-// with: at most kWorkLen, and at full length the last byte is a NUL.
-int32_t copy_street(StreetArea &area, const char *street, int32_t len) {
-  len = std::max(len, 0);
-  const int32_t n = std::min(len, kWorkLen);
-  if (n > 0 && street != nullptr) {
-    std::memcpy(area.data(), street, static_cast<size_t>(n));
-  }
-  if (len >= kWorkLen) area[kWorkLen - 1] = '\0';
-  return n;
-}
-
-// --- normalisation and recoding
-// -------------------------------------------------
-
-// Leading zeros of every word go, as do full stops; '+' means '&'.
-void normalise(char *s, int32_t len) {
-  for (int32_t i = 0; i < len; ++i) {
-    if (s[i] == '0' && (i == 0 || is_blank(s[i - 1]))) {
-      s[i] = ' ';
-    } else if (s[i] == '.') {
-      s[i] = ' ';
-    } else if (s[i] == '+') {
-      s[i] = '&';
-    }
-  }
-}
-
-void recode_words(char *s, int32_t len, bool keep_types) {
-  if (keep_types) {
-    m_recode_new(s, len);
-  } else {
-    m_recode(s, len);
-  }
-  m_wrdrec(s, len);
-  drop_ordinals(s, len, true);
-}
-
-// --- strict classes
-// --------------------------------------------------------------
-
-enum StrictClass { kOrdinary = 0, kStrict = 1, kLetteredCourt = 2 };
-
-// Highways, state and county roads, avenues and calles must match closely.
-constexpr std::array<std::string_view, 7> kStrictStarts = {
-    "USHWY", "AVE", "STATERD", "COUNTYRD", "HWY", "CALLE", "CLL"};
-
-// Class of one packed street.
-StrictClass strict_class(const StreetArea &s, int32_t packed_len) {
-  const std::string_view text(s.data(), kWorkLen);
-  for (std::string_view start : kStrictStarts) {
-    if (text.starts_with(start)) return kStrict;
-  }
-  // A court followed by a single letter: 'COURTB'.
-  if (text.starts_with("COURT") && !is_blank(text[5]) && is_blank(text[6])) {
-    return kLetteredCourt;
-  }
-  return m_isnumb(s.data(), packed_len) ? kStrict : kOrdinary;
-}
-
-// --- character stage
-// ---------------------------------------------------------------
-
-// Score when one packed street is a prefix of the other and long enough.
-std::optional<int32_t> prefix_score(const StreetArea &a, int32_t len_a,
-                                    const StreetArea &b, int32_t len_b) {
-  const bool prefix_a =
-      std::memcmp(a.data(), b.data(), static_cast<size_t>(len_a)) == 0;
-  const bool prefix_b =
-      std::memcmp(a.data(), b.data(), static_cast<size_t>(len_b)) == 0;
-  if (!prefix_a && !prefix_b) return std::nullopt;
-  const int32_t gap = std::abs(len_a - len_b);
-  const int32_t shorter = std::min(len_a, len_b);
-  if (shorter >= 6 && gap <= 2) return 95;
-  if (shorter >= 4 && gap == 2) return 90;
-  if (shorter >= 4 && gap == 1) return 95;
-  return std::nullopt;
-}
-
-// Score from the character alignment of the two packed streets.
-int32_t alignment_score(const StreetArea &a, int32_t len_a, const StreetArea &b,
-                        int32_t len_b) {
-  int32_t errors = 0;
-  int32_t tail = 0;
-  int32_t repeats = 0;
-  int32_t mismatch = 0;
-  m_chcmp1(&errors, &tail, &repeats, &mismatch, len_a, len_b, a.data(),
-           b.data());
-  if (tail > 0) {
-    // An unmatched tail costs one error, one more per character beyond two,
-    // and one more when either name is short.
-    errors += 1;
-    if (tail > 2) errors += tail - 2;
-    if (len_a < 6 || len_b < 6) errors += 1;
-  }
-  int32_t score = 100 - 3 * repeats - 4 * errors;
-  if (4 * errors > len_a || 4 * errors > len_b) score -= 10;
-  if (len_a >= 9 && len_b >= 9) score = std::min(score + 2, 100);
-  return score;
-}
-
-struct Stage {
-  int32_t score;
-  bool settled;  // true: the score is the result
-};
-
-Stage character_stage(const StreetArea &a, int32_t len_a, const StreetArea &b,
-                      int32_t len_b, StrictClass strict) {
-  if (strict == kStrict) return {0, false};
-  if (strict == kLetteredCourt) return {0, true};
-  if (len_a == 0 || len_b == 0) return {80, false};
-  if (auto s = prefix_score(a, len_a, b, len_b)) return {*s, true};
-  const int32_t score = alignment_score(a, len_a, b, len_b);
-  return {score, score >= 90};
-}
-
-// --- skeleton stage
-// -------------------------------------------------------------------
-
-// At most one character of the longer skeleton x has no partner in y (one
-// shorter), walking both from their second character.
-bool one_extra_character(const char *x, int32_t len_x, const char *y) {
-  int32_t errors = 0;
-  int32_t k = 1;
-  for (int32_t i = 1; i < len_x && errors < 2; ++i) {
-    if (x[i] == y[k]) {
-      ++k;
-    } else {
-      ++errors;
-    }
-  }
-  return errors <= 1;
-}
-
-// 95 for equal consonant skeletons, 90 for skeletons one character apart,
-// nothing otherwise. Turns both streets into their skeletons.
-std::optional<int32_t> skeleton_score(StreetArea &a, int32_t len_a,
-                                      StreetArea &b, int32_t len_b) {
-  if (m_isnumb(a.data(), len_a) || m_isnumb(b.data(), len_b)) {
-    return std::nullopt;
-  }
-  const int32_t ca = m_comprs(a.data(), len_a);
-  const int32_t cb = m_comprs(b.data(), len_b);
-  if (ca <= 3 || cb <= 3) return std::nullopt;
-  if (std::memcmp(a.data(), b.data(), std::max(ca, cb)) == 0) return 95;
-  if (a[0] != b[0]) return std::nullopt;
-  if (ca == cb) {
-    int32_t differences = 0;
-    for (int32_t i = 1; i < ca; ++i) differences += a[i] != b[i];
-    if (differences <= 1) return 90;
-  } else if (std::abs(ca - cb) == 1) {
-    const bool a_longer = ca > cb;
-    const char *x = a_longer ? a.data() : b.data();
-    const char *y = a_longer ? b.data() : a.data();
-    if (one_extra_character(x, std::max(ca, cb), y)) return 90;
-  }
-  return std::nullopt;
-}
-
-// --- the cascade
-// -----------------------------------------------------------------------
-
-bool all_blank(const StreetArea &s, int32_t len) {
-  return std::all_of(s.begin(), s.begin() + len, is_blank);
+  make_form(area.data(), cache.areas, len, cache.form);
+  cache.form_len = len;
+  return cache.form;
 }
 
 int32_t compare_streets(const char *s1, const char *s2, int32_t len,
                         char *options) {
-  StreetArea a{};
-  StreetArea b{};
-  len = copy_street(a, s1, len);
-  copy_street(b, s2, len);
-  const StreetOptions opt = read_options(options);
-  if (opt.fold_letters) {
-    fold_latin1_letters(a.data(), len);
-    fold_latin1_letters(b.data(), len);
-  }
-  if (std::memcmp(a.data(), b.data(), len) == 0 && !is_blank(a[0])) {
+  const StreetOptions opt = read_street_options(options);
+  FirstStreet a(s1, len, opt);
+  len = a.len();
+  StreetArea b;
+  copy_street(b, s2, len, opt);
+  if (std::memcmp(a.raw(), b.data(), static_cast<size_t>(len)) == 0 &&
+      a.raw()[0] != ' ') {
     return 100;
   }
-
-  // Normalise, recode and pack street 1 only when it is not the cached one.
-  StreetCache &cache = street_cache;
-  const bool fresh = std::memcmp(a.data(), cache.lastra1, len) != 0;
-  if (fresh) {
-    std::memcpy(cache.lastra1, a.data(), kWorkLen);
-    normalise(a.data(), len);
-    recode_words(a.data(), len, opt.keep_types);
-    cache.lastra2 = a;
-  } else {
-    a = cache.lastra2;
-  }
-  normalise(b.data(), len);
-  recode_words(b.data(), len, opt.keep_types);
-
-  // The word stage reads the streets recoded but not packed.
-  const StreetArea recoded_a = a;
-  const StreetArea recoded_b = b;
-
-  int32_t len_a = 0;
-  if (fresh) {
-    len_a = xm_lpck(a.data(), len);
-    cache.lastra3 = a;
-    cache.lasterrs = len_a;
-  } else {
-    a = cache.lastra3;
-    len_a = cache.lasterrs;
-  }
-  int32_t len_b = xm_lpck(b.data(), len);
-
-  StrictClass strict = strict_class(a, len_a);
-  if (strict == kOrdinary) strict = strict_class(b, len_b);
-
-  int32_t score = 0;
-  if (std::memcmp(a.data(), b.data(), len) == 0) {
-    if (!all_blank(a, len)) return 98;
-    score = 88;  // both blank: only the word stage could say more
-    len_a = len_b = len;
-  } else {
-    const Stage s = character_stage(a, len_a, b, len_b, strict);
-    if (s.settled) return s.score;
-    score = s.score;
-  }
-
-  if (auto s = skeleton_score(a, len_a, b, len_b)) return *s;
-
-  const int32_t words =
-      street_word_score(recoded_a.data(), recoded_b.data(), len);
-  return std::max(words, score);
+  StreetAreas areas_b;
+  recode_and_pack(b, len, opt, areas_b);
+  StreetForm fb;
+  make_form(b.data(), areas_b, len, fb);
+  return score_forms(a.view(), fb.view(), len);
 }
 
 }  // namespace
+
+FirstStreet::FirstStreet(const char *street, int32_t len,
+                         const StreetOptions &opt)
+    : opt_(opt) {
+  len_ = copy_street(area_, street, len, opt);
+}
+
+const StreetView &FirstStreet::view() {
+  if (!formed_) {
+    view_ = first_street_form(area_, len_, opt_).view();
+    formed_ = true;
+  }
+  return view_;
+}
+
 }  // namespace orlo
 
 extern "C" int32_t m_street(const char *s1, const char *s2, int32_t len,

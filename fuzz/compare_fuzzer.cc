@@ -1,6 +1,7 @@
 // The four comparison routines on arbitrary fields, lengths and option
-// strings. Each field is allocated exactly as long as the length passed, so
-// that a read or write beyond the caller's field is caught.
+// strings, and the street comparison through a prepared set as well. Each field
+// is allocated exactly as long as the length passed, so that a read or write
+// beyond the caller's field is caught.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -51,10 +52,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const char *pb = b.get();
   int32_t score = 0;
   switch (which) {
-    case 0:
+    case 0: {
       score = m_street(pa, pb, len, null_options ? nullptr : opt.data());
       if (score < 0 || score > 100) __builtin_trap();
+      // The same pair through a prepared set of one name scores the same.
+      MSTREETS *set =
+          m_stprep(&pb, 1, len, null_options ? nullptr : opt.c_str());
+      int32_t prepared = -1;
+      if (set == nullptr || m_stmany(set, pa, &prepared) != 1 ||
+          prepared != score) {
+        __builtin_trap();
+      }
+      m_stfree(set);
       break;
+    }
     case 1:
       score = m_spllng(pa, pb, len, null_options ? nullptr : opt.data());
       if (score > 100) __builtin_trap();

@@ -1,4 +1,5 @@
-/* Many records in one call: the way for bindings (Python, Java) that pay a
+/** @file
+ * Many records in one call: the way for bindings (Python, Java) that pay a
  * price for every crossing into the library, and for front ends that hold a
  * batch of records already laid end to end. */
 #ifndef ORLO_BATCH_H
@@ -12,7 +13,7 @@
 extern "C" {
 #endif
 
-/* Geocodes `count` input records into `count` output records on one open
+/** Geocodes `count` input records into `count` output records on one open
  * instance. in_recs holds count 200-byte records (HKINREC) end to end and
  * out_recs receives count 300-byte records (HKOUTREC) end to end; both
  * belong to the caller. handle points to the HKHANDLE of an instance opened

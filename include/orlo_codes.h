@@ -1,4 +1,5 @@
-/* The outcomes a caller reads: the return code in byte 0 of the output
+/** @file
+ * The outcomes a caller reads: the return code in byte 0 of the output
  * record and the match status in out_matchstat (byte 267).
  *
  * This is the one table of them. Each row gives the name, the character, the
@@ -11,6 +12,9 @@
 
 #include "orlo_api.h"
 
+/** The return codes, one X(name, character, message or NULL, meaning) row
+ * each: '0' and '1' from a call that did its work, '2' to '8' and 'A' from
+ * the matcher, 'L' and 'V' to 'Z' from the Java boundary. */
 /* clang-format off */
 #define ORLO_RETURN_CODES(X)                                                  \
   X(HKRC_OK, '0', NULL,                                                       \
@@ -46,8 +50,11 @@
   X(HKRC_ERRMSG_FAILED, 'W', NULL,                                            \
     "internal failure caught at the Java boundary during getErrorMsg")        \
   X(HKRC_COPY_FAILED, 'V', NULL,                                              \
-    "internal failure or bad argument caught at the Java boundary during copyFields")
+    "internal failure or bad argument caught at the Java boundary during copyFields") \
+  X(HKRC_INPUT_REFUSED, 'E', NULL,                                            \
+    "bad input: not processed (a field or line that cannot be read as an English address, or a malformed row); the reason comes with it")
 
+/** The match statuses, one X(name, character, meaning) row each. */
 #define ORLO_MATCH_STATUSES(X)                                                \
   X(HKMS_NONE, ' ', "blank: no candidate was judged")                         \
   X(HKMS_ACCEPTED, '0', "accepted: the reference address is written")         \
@@ -60,13 +67,16 @@
 
 /* The codes by name: HKRC_* return codes, HKMS_* match statuses. C++ sees
  * them as char constants, C as enumerators. */
+/** Turns one row of a table into a named code (undefined again below). */
 #ifdef __cplusplus
 #define ORLO_CODE_ROW(name, code, ...) inline constexpr char name = code;
 ORLO_RETURN_CODES(ORLO_CODE_ROW)
 ORLO_MATCH_STATUSES(ORLO_CODE_ROW)
 #else
 #define ORLO_CODE_ROW(name, code, ...) name = code,
+/** Return codes by name (byte 0 of an output record). */
 enum HKRETCODE { ORLO_RETURN_CODES(ORLO_CODE_ROW) };
+/** Match statuses by name (byte 267 of an output record). */
 enum HKMATCHSTAT { ORLO_MATCH_STATUSES(ORLO_CODE_ROW) };
 #endif
 #undef ORLO_CODE_ROW
@@ -75,12 +85,19 @@ enum HKMATCHSTAT { ORLO_MATCH_STATUSES(ORLO_CODE_ROW) };
 extern "C" {
 #endif
 
-/* The plain meaning of a return code (the last column of ORLO_RETURN_CODES)
- * and of a match status (of ORLO_MATCH_STATUSES), for callers that cannot
- * read this header's table (bindings in other languages). A static,
- * NUL-terminated string; NULL when the character is not in the table. Pure
- * and thread-safe. */
+/** The plain meaning of a return code (the last column of
+ * ORLO_RETURN_CODES), for callers that cannot read the table above (bindings
+ * in other languages).
+ * @param code the character from byte 0 of an output record
+ * @return a static, NUL-terminated string that the caller must not free;
+ *         NULL when code is not in the table. Pure and thread-safe. */
 ORLO_API const char *orlo_return_meaning(char code);
+
+/** The plain meaning of a match status (the last column of
+ * ORLO_MATCH_STATUSES), for the same callers as orlo_return_meaning.
+ * @param status the character from byte 267 of an output record
+ * @return a static, NUL-terminated string that the caller must not free;
+ *         NULL when status is not in the table. Pure and thread-safe. */
 ORLO_API const char *orlo_status_meaning(char status);
 
 #ifdef __cplusplus

@@ -1,4 +1,5 @@
-/* Tidying the address fields that people write into the form the matcher
+/** @file
+ * Tidying the address fields that people write into the form the matcher
  * reads.
  *
  * The matcher compares bytes and expects what the reference data holds:
@@ -26,17 +27,17 @@
 extern "C" {
 #endif
 
-/* Outcomes of the routines below. */
+/** Outcomes of the routines below. */
 enum ORLO_NORM_STATUS {
   ORLO_NORM_OK = 0,
-  ORLO_NORM_NOT_LATIN1 = 1, /* a character has no Latin-1 form (Chinese) */
-  ORLO_NORM_CONTROL = 2,    /* a control character other than a blank */
-  ORLO_NORM_TOO_LONG = 3,   /* the tidied text is wider than its field */
-  ORLO_NORM_NO_MEMORY = 4,  /* a work area could not be allocated */
-  ORLO_NORM_BAD_CALL = 5    /* a required pointer is NULL */
+  ORLO_NORM_NOT_LATIN1 = 1, /**< a character has no Latin-1 form (Chinese) */
+  ORLO_NORM_CONTROL = 2,    /**< a control character other than a blank */
+  ORLO_NORM_TOO_LONG = 3,   /**< the tidied text is wider than its field */
+  ORLO_NORM_NO_MEMORY = 4,  /**< a work area could not be allocated */
+  ORLO_NORM_BAD_CALL = 5    /**< a required pointer is NULL */
 };
 
-/* The address fields, in the order of the arrays orlo_norm_address takes
+/** The address fields, in the order of the arrays orlo_norm_address takes
  * (and of the columns of hkgeocode's input). */
 enum ORLO_NORM_FIELD {
   ORLO_NF_REFCODE,
@@ -51,18 +52,18 @@ enum ORLO_NORM_FIELD {
   ORLO_NF_COUNT
 };
 
-/* Why a text or an address could not be tidied. */
+/** Why a text or an address could not be tidied. */
 typedef struct ORLO_NORM_FAULT {
-  int32_t status; /* an ORLO_NORM_STATUS */
-  int32_t field;  /* the ORLO_NORM_FIELD at fault; -1 for a single text */
-  /* One sentence for people, NUL-terminated UTF-8, naming the field (for an
+  int32_t status; /**< an ORLO_NORM_STATUS */
+  int32_t field;  /**< the ORLO_NORM_FIELD at fault; -1 for a single text */
+  /** One sentence for people, NUL-terminated UTF-8, naming the field (for an
    * address), the character and why; empty when status is ORLO_NORM_OK.
    * Example: "district: '九' (U+4E5D) has no Latin-1 form; write the
    * address in English". */
   char reason[200];
 } ORLO_NORM_FAULT;
 
-/* Tidies one text: decodes it (UTF-8 or Latin-1, see above), applies
+/** Tidies one text: decodes it (UTF-8 or Latin-1, see above), applies
  * Unicode compatibility normalisation (full-width "ＮＡＴＨＡＮ １２" becomes
  * "NATHAN 12"; typographic quotes, dashes and spaces become their ASCII
  * forms), writes letters outside Latin-1 without their accents where that
@@ -82,30 +83,30 @@ ORLO_API int32_t orlo_norm_text(const char *text, size_t len, char *out,
                                 size_t cap, size_t *out_len,
                                 ORLO_NORM_FAULT *fault);
 
-/* Folds the ASCII and Latin-1 lower-case letters among len bytes of text to
+/** Folds the ASCII and Latin-1 lower-case letters among len bytes of text to
  * upper case in place; every other byte is kept (0xDF and 0xFF, which have
  * no Latin-1 capital, too). Returns the number of bytes changed. NULL text
  * or len 0 changes nothing. */
 ORLO_API size_t orlo_norm_upper(char *text, size_t len);
 
-/* The region key ("HK", "KLN" or "NT") that a tidied region text names: the
+/** The region key ("HK", "KLN" or "NT") that a tidied region text names: the
  * keys themselves and the usual spellings of the three regions ("HONG
  * KONG", "HONG KONG ISLAND", "HK ISLAND", "H.K.", "KOWLOON", "KLN", "NEW
  * TERRITORIES", "N.T."), with dots, blanks and hyphens ignored. NULL when
  * the text names none. The result is a static string. */
 ORLO_API const char *orlo_norm_region(const char *text, size_t len);
 
-/* The region key of the district or well-known area that a tidied text
+/** The region key of the district or well-known area that a tidied text
  * names (one of Hong Kong's eighteen districts, a neighbourhood such as
  * "TSIM SHA TSUI" or "TST", or a region spelling as above); dots, blanks
  * and hyphens are ignored. NULL when it names none. Static result. */
 ORLO_API const char *orlo_norm_district_region(const char *text, size_t len);
 
-/* The region keys that the routines above produce, as a NULL-terminated
+/** The region keys that the routines above produce, as a NULL-terminated
  * static array: "HK", "KLN", "NT". */
 ORLO_API const char *const *orlo_norm_region_keys(void);
 
-/* Builds a 200-byte input record (HKINREC) from the ORLO_NF_COUNT fields of
+/** Builds a 200-byte input record (HKINREC) from the ORLO_NF_COUNT fields of
  * an address as a person wrote them. fields[i] holds lengths[i] bytes
  * (fields[i] may be NULL when lengths[i] is 0). Each field is tidied by
  * orlo_norm_text and placed blank-padded in its record field (the unit line
@@ -122,7 +123,7 @@ ORLO_API int32_t orlo_norm_address(const char *const *fields,
                                    const size_t *lengths, char *inrec,
                                    ORLO_NORM_FAULT *fault);
 
-/* orlo_norm_address on count addresses in one call, for callers that pay
+/** orlo_norm_address on count addresses in one call, for callers that pay
  * for every call (bindings in other languages). Address i is the
  * ORLO_NF_COUNT fields fields[i * ORLO_NF_COUNT + f] of lengths[i *
  * ORLO_NF_COUNT + f] bytes; its record goes to inrecs + i * 200 (HKINREC),

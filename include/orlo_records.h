@@ -1,13 +1,38 @@
-/* The fixed-width records that cross the matcher's call interface.
+/** @file
+ * The fixed-width records that cross the matcher's call interface.
  *
  * HKINREC is the 200-byte input address record and HKOUTREC the 300-byte
  * output record. Both are plain byte arrays owned by the caller: every
  * character field is blank-padded on the right with no terminator, numbers
  * are held as text, offsets count from 0. Each field has an offset (_OFF)
- * and a width (_LEN); this is the one definition of the layouts. */
+ * and a width (_LEN); this is the one definition of the layouts. The text is
+ * upper case, in the caller's single-byte character set, as the reference
+ * data holds it; the matcher compares bytes and folds no case. */
 #ifndef ORLO_RECORDS_H
 #define ORLO_RECORDS_H
 
+/** Sizes of the two records and the offset and width of each field.
+ *
+ * Input record (HKINREC): FILLER1 and FILLER2 are not read; REFCODE an optional
+ * 3-character reference code that raises or lowers a candidate's score; PREMNO
+ * the premise (house) number as written; STREET; BLDG the building name (also
+ * tried in the street's place when the first search is not good enough); UNIT
+ * and UNITEXT the first 25 and last 5 characters of the 30-character floor and
+ * unit line; EXTRA a further line (not compared); DISTRICT (echoed, not
+ * compared); REGION the first-level key ("HK", "KLN", "NT"; blank means no
+ * search); MODE the record mode ('1', '3', '4', 'E', 'F' or blank).
+ *
+ * Output record (HKOUTREC): RETCODE the return code (orlo_codes.h); PREMNO,
+ * UNIT, UNITEXT, DISTRICT, REGION and MODE the input's unchanged; STREET and
+ * BLDG the reference's street and building when a reference address was
+ * written, else the input's (mode '3' swaps the two); LINE1 and LINE2 two
+ * composed address lines; REFCODE and REFID the written reference's codes
+ * (blank when none); AREACHG, STREETCHG and PREMCHG 'Y' when the district or
+ * region, the street, or the premise number or unit changed (set only on match
+ * status '0'); MATCHSTAT the match status; REFLINE the first 25 characters of
+ * the reference's address text; GRADE '9' without a reference, else the first
+ * digit of its penalty count; BLDGSRC 'Y' when BLDG is the reference's; FILLER
+ * always blank. */
 /* clang-format off */
 enum {
   HKINREC_SIZE = 200,
@@ -52,8 +77,9 @@ enum {
 };
 /* clang-format on */
 
-/* Each field ends where the next begins and the last one ends at the size. */
+/** True when field a ends where field b begins (a compile-time check). */
 #define ORLO_RECORD_FOLLOWS(a, b) (a##_OFF + a##_LEN == b##_OFF)
+/** A compile-time assertion in C and C++. */
 #ifdef __cplusplus
 #define ORLO_STATIC_ASSERT(c, m) static_assert(c, m)
 #else

@@ -116,6 +116,14 @@ int32_t process_batch(int handle, const char *in_recs, char *out_recs,
   return orlo_process_batch(&local, in_recs, out_recs, count);
 }
 
+int32_t geocode_line(int handle, const char *line, size_t len, char *inRec,
+                     char *outRec, ORLO_LINE_INFO *info) {
+  HKHANDLE local{};
+  if (handle_in_use(handle)) local.mcb = slot_word(handle);
+  return orlo_line_geocode(&local, line, len, inRec, outRec, nullptr, nullptr,
+                           info);
+}
+
 void close_geocoder(int handle, ArgSource &source) {
   if (!handle_in_use(handle)) return;
   HKHANDLE local{};

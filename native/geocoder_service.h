@@ -6,7 +6,10 @@
 
 #include <pthread.h>
 
+#include <cstddef>
+
 #include "hkmatch/calls/call_args.h"
+#include "orlo_lines.h"
 #include "orlo_matcher.h"
 
 // The process-wide table of 200 geocoder handles (slot index = the handle
@@ -73,6 +76,12 @@ bool handle_in_use(int handle);
 // areas are asked for only when the instance lists into them (listing mode
 // 3); "R" also asks for the options, paths and report texts of its copy.
 void process_geocoder(int handle, ArgSource &source, const char *callType);
+
+// Geocodes one address line on the instance in slot `handle` without
+// taking the lock (orlo_line_geocode, with no list areas). An invalid
+// handle is answered as the matcher answers it: 'A' in outRec[0].
+int32_t geocode_line(int handle, const char *line, size_t len, char *inRec,
+                     char *outRec, ORLO_LINE_INFO *info);
 
 // Closes the instance in slot `handle` under hkGeoMutex and frees the slot;
 // does nothing (and asks for nothing) for an invalid handle. The arguments

@@ -1,6 +1,7 @@
 #include "normalise/region_names.h"
 
-#include <string>
+#include <array>
+#include <cstring>
 
 #include "normalise/text_tidy.h"
 
@@ -53,6 +54,7 @@ constexpr Place kPlaces[] = {
     {"THE PEAK", kHK},
     {"VICTORIA PEAK", kHK},
     {"CAUSEWAY BAY", kHK},
+    {"CWB", kHK},
     {"HAPPY VALLEY", kHK},
     {"TAI HANG", kHK},
     {"TIN HAU", kHK},
@@ -145,53 +147,95 @@ constexpr Place kPlaces[] = {
     {"MA WAN", kNT},
 };
 
-bool name_char(unsigned char c) {
+constexpr bool name_char(unsigned char c) {
   return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
          (c >= 0xC0 && c <= 0xDE && c != 0xD7);
 }
 
-// The letters and digits of text in upper case: the form in which names
+// The letters and digits of a name in upper case: the form in which names
 // are compared, so that "N.T.", "n t" and "NT" are one name, as are
-// "Mid-Levels" and "MID LEVELS", or "Shatin" and "SHA TIN".
-std::string name_key(std::string_view text) {
-  std::string key;
-  for (char ch : text) {
-    unsigned char c = upper_latin1(static_cast<unsigned char>(ch));
-    if (name_char(c)) key.push_back(static_cast<char>(c));
+// "Mid-Levels" and "MID LEVELS", or "Shatin" and "SHA TIN". Held in place,
+// never on the heap: a text with more letters and digits than the longest
+// name of the tables cannot name a place and gets an empty key.
+class NameKey {
+ public:
+  explicit NameKey(std::string_view text) {
+    for (char ch : text) {
+      unsigned char c = upper_latin1(static_cast<unsigned char>(ch));
+      if (!name_char(c)) continue;
+      if (len_ == sizeof key_) {
+        len_ = 0;
+        return;
+      }
+      key_[len_++] = static_cast<char>(c);
+    }
   }
-  return key;
-}
+  std::string_view view() const { return {key_, len_}; }
 
-// True when the table's name (upper case already) has exactly the letters
-// and digits of key.
-bool same_name(std::string_view key, std::string_view name) {
-  size_t k = 0;
-  for (char ch : name) {
-    if (!name_char(static_cast<unsigned char>(ch))) continue;
-    if (k == key.size() || key[k] != ch) return false;
-    ++k;
-  }
-  return k == key.size();
+ private:
+  char key_[32];
+  size_t len_ = 0;
+};
+
+// The tables' names as their keys (their letters and digits) in open hash
+// tables built when the library is compiled, so that a lookup hashes the
+// key once and compares it with one or two names.
+struct TableKey {
+  char text[32] = {};
+  size_t len = 0;
+  const char *region = nullptr;
+};
+
+constexpr size_t kKeySlots = 256;
+
+constexpr size_t key_hash(const char *text, size_t len) {
+  size_t h = len;
+  for (size_t i = 0; i < len; ++i)
+    h = h * 131 + static_cast<unsigned char>(text[i]);
+  return h % kKeySlots;
 }
 
 template <size_t N>
-const char *find(const Place (&table)[N], std::string_view key) {
+constexpr std::array<TableKey, kKeySlots> keys_of(const Place (&table)[N]) {
+  static_assert(N * 2 <= kKeySlots);
+  std::array<TableKey, kKeySlots> slots{};
+  for (const Place &p : table) {
+    TableKey k;
+    for (char c : p.name)
+      if (name_char(static_cast<unsigned char>(c))) k.text[k.len++] = c;
+    k.region = p.key;
+    size_t h = key_hash(k.text, k.len);
+    while (slots[h].len != 0) h = (h + 1) % kKeySlots;
+    slots[h] = k;
+  }
+  return slots;
+}
+
+constexpr auto kSpellingKeys = keys_of(kRegionSpellings);
+constexpr auto kPlaceKeys = keys_of(kPlaces);
+
+const char *find(const std::array<TableKey, kKeySlots> &keys,
+                 std::string_view key) {
   if (key.empty()) return nullptr;
-  for (const Place &p : table)
-    if (same_name(key, p.name)) return p.key;
+  for (size_t h = key_hash(key.data(), key.size()); keys[h].len != 0;
+       h = (h + 1) % kKeySlots) {
+    const TableKey &k = keys[h];
+    if (k.len == key.size() && std::memcmp(k.text, key.data(), k.len) == 0)
+      return k.region;
+  }
   return nullptr;
 }
 
 }  // namespace
 
 const char *region_of_spelling(std::string_view text) {
-  return find(kRegionSpellings, name_key(text));
+  return find(kSpellingKeys, NameKey(text).view());
 }
 
 const char *region_of_place(std::string_view text) {
-  std::string key = name_key(text);
-  if (const char *r = find(kRegionSpellings, key)) return r;
-  return find(kPlaces, key);
+  const NameKey key(text);
+  if (const char *r = find(kSpellingKeys, key.view())) return r;
+  return find(kPlaceKeys, key.view());
 }
 
 }  // namespace orlo::norm

@@ -181,6 +181,34 @@ def geocode_input_seeds():
     put(target, "fixed", b"\1" + bytes(rec) * 2 + b"\1\2" + bytes(rec[:50]))
 
 
+def line_splitter_seeds():
+    # First byte: bit 0 geocode, bit 1 with the database's names, bit 2
+    # memory mode; the rest is the line.
+    target = "line_splitter_fuzzer"
+    sample = os.path.join(ROOT, "data", "sample", "addresses.csv")
+    with open(sample, encoding="latin-1", newline="") as f:
+        rows = list(csv.reader(f))[1:25]
+    lines = []
+    for r in rows:
+        street = " ".join(p for p in (r[1], r[2]) if p)
+        lines.append(", ".join(p for p in (r[4], r[3], street, r[6], r[7]) if p))
+    lines += [
+        "Flat B, 12/F, Block 3, Sunshine Garden, 28 Nathan Rd, TST, Kowloon",
+        "Rm 1203 Times Sq 1 Matheson St Causeway Bay HK",
+        "No. 28A Nathan Rd., Tower 2, 12th Floor, Tsim Sha Tsui, Hong Kong SAR",
+        "UG/F, Unit 3, Phase 1, East Wing, 5 Tai Po Road, Sha Tin, N.T.",
+        "LG1 11 Connaught Rd Central HK",
+        "22 Castle Peak Road",
+        "\uff12\uff12 Castle Peak Road, Kowloon",
+        "28 \u5f4c\u6566\u9053",
+        "",
+        " , ; .",
+        "A " * 101,
+    ]
+    for i, line in enumerate(lines):
+        put(target, f"line{i:02d}", bytes([i % 8]) + line.encode("utf-8"))
+
+
 def main():
     build = sys.argv[1] if len(sys.argv) > 1 else os.path.join(ROOT, "build", "release")
     hkdb = os.path.join(build, "bin", "hkdb")
@@ -192,6 +220,7 @@ def main():
     input_records()
     csv_seeds()
     geocode_input_seeds()
+    line_splitter_seeds()
 
 
 if __name__ == "__main__":

@@ -3,9 +3,14 @@
 # Safe to run again: it does nothing when everything is there.
 set -euo pipefail
 
+# Beyond the compilers and test libraries: utf8proc for the input
+# normalisation, doxygen for the docs target,
+# help2man for the tools' manual pages, pkg-config, dpkg-dev and file for the
+# Debian package and the consumer tests.
 packages=(cmake make g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev
           libbenchmark-dev libutf8proc-dev openjdk-17-jdk-headless cppcheck
-          python3 python3-numpy python3-pandas python3-dask python3-distributed
+          python3 doxygen help2man pkg-config dpkg-dev file
+          python3-numpy python3-pandas python3-dask python3-distributed
           python3-pytest python3-setuptools python3-wheel python3-venv)
 missing=()
 for p in "${packages[@]}"; do

@@ -20,6 +20,7 @@
 #include "hkmatch/refdata/reference_format.h"
 #include "hkmatch/refdata/search_alloc.h"
 #include "hkmatch/refdata/store_internal.h"
+#include "hkmatch/refdata/street_names.h"
 #include "orlo_codes.h"
 
 namespace orlo {
@@ -45,6 +46,7 @@ BuiltRegion::~BuiltRegion() {
   std::free(padded);
   std::free(slots);
   std::free(found);
+  delete names.load();
 }
 
 namespace {
@@ -321,6 +323,7 @@ HKSTORE::~HKSTORE() {
       delete regions[i].load();
     }
   }
+  delete attachment.load();
   std::free(index);
   std::free(level2_image);
   std::free(basedata_image);

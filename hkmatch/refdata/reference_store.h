@@ -77,6 +77,13 @@ const HKBASEREC *store_street_records(const HKMCB *m, int32_t entry);
 void store_publish_records(const HKMCB *m, int32_t entry,
                            const HKBASEREC *records, uint16_t count);
 
+class RegionStreetNames;
+
+// The names of the current region's table prepared for the fuzzy pass, made
+// the first time any instance of the store needs them. NULL when storage
+// fails (the next call tries again).
+const RegionStreetNames *store_street_names(const HKMCB *m);
+
 // Test and measurement hooks.
 namespace detail {
 // When positive, the record budget in bytes of every store, on this thread,

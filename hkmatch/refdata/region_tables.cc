@@ -13,6 +13,7 @@
 #include "hkmatch/refdata/reference_format.h"
 #include "hkmatch/refdata/search_alloc.h"
 #include "hkmatch/refdata/store_internal.h"
+#include "hkmatch/refdata/street_names.h"
 #include "hkmatch/refdata/street_table.h"
 #include "orlo_codes.h"
 
@@ -214,6 +215,28 @@ int32_t region_find_street(const HKMCB *m, const char *padded) {
   if (r == nullptr || r->slots == nullptr) return -1;
   const int32_t slot = r->slots[probe(*r, padded)];
   return slot != 0 ? r->found[slot - 1] : -1;
+}
+
+const RegionStreetNames *store_street_names(const HKMCB *m) {
+  const BuiltRegion *r = current_region(m);
+  if (r == nullptr) return nullptr;
+  // The region is the store's and never changes once published; only its
+  // names slot is filled in here, once.
+  std::atomic<RegionStreetNames *> &slot = const_cast<BuiltRegion *>(r)->names;
+  RegionStreetNames *names = slot.load(std::memory_order_acquire);
+  if (names != nullptr) return names;
+  try {
+    names = new RegionStreetNames(r->table.entries, r->table.count);
+  } catch (const std::bad_alloc &) {
+    return nullptr;
+  }
+  RegionStreetNames *expected = nullptr;
+  if (!slot.compare_exchange_strong(expected, names,
+                                    std::memory_order_acq_rel)) {
+    delete names;  // another search made them first
+    names = expected;
+  }
+  return names;
 }
 
 const HKBASEREC *store_street_records(const HKMCB *m, int32_t entry) {

@@ -10,10 +10,13 @@
 #include <ctime>
 #include <memory>
 
+#include "hkmatch/refdata/reference_names.h"
 #include "hkmatch/refdata/reference_store.h"
 #include "orlo_matcher.h"
 
 namespace orlo {
+
+class RegionStreetNames;
 
 // What makes two opens read the same data: the three files, and whether the
 // images are held in memory.
@@ -44,6 +47,8 @@ struct BuiltRegion {
   uint32_t mask = 0;
   int32_t *found = nullptr;                           // from search_alloc
   std::atomic<const HKBASEREC *> *records = nullptr;  // one per entry
+  // The names prepared for the fuzzy pass, made on first need.
+  std::atomic<RegionStreetNames *> names{nullptr};
 
   BuiltRegion() = default;
   BuiltRegion(const BuiltRegion &) = delete;
@@ -67,6 +72,8 @@ struct HKSTORE {
   int64_t basedata_size = 0;
   std::unique_ptr<std::atomic<orlo::BuiltRegion *>[]> regions;
   std::atomic<int64_t> record_bytes{0};  // published records, bytes
+  // What a front end derived from the names of the store (owning).
+  std::atomic<orlo::StoreAttachment *> attachment{nullptr};
 
   ~HKSTORE();
 };

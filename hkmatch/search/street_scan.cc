@@ -1,21 +1,30 @@
 // The street scan of a search pass: the exact pass walks forward from the
 // entry found by bisection over equal names; the fuzzy pass lets through
-// to m_street only the names that pass cheap character tests and stops at
-// the first name whose initial sorts after the input's.
+// to the street comparison only the names that pass cheap character tests
+// and stops at the first name whose initial sorts after the input's. An
+// instance takes those names from the region's prepared names and their
+// index; a private copy walks the table and calls m_street on each.
 #include "hkmatch/search/street_scan.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
 
 #include "hkmatch/refdata/search_alloc.h"
+#include "hkmatch/refdata/street_names.h"
 #include "hkmatch/refdata/street_table.h"
 #include "hkmatch/search/diagnostics.h"
 #include "orlo_codes.h"
 #include "orlo_compare.h"
 
 namespace orlo {
+
+namespace detail {
+thread_local bool walk_fuzzy_pass = false;
+}  // namespace detail
+
 namespace {
 
 constexpr int64_t kCandidateStep = 1000;
@@ -147,8 +156,42 @@ int32_t start_entry(const Scan &s) {
   return 0;
 }
 
+// The fuzzy pass over the region's prepared names: the same names in the
+// same order as the walk below hands to m_street, the same scores, the
+// input's form taken once (through the street cache, as m_street takes it).
+char run_prepared_scan(Scan &s, const RegionStreetNames &region) {
+  const PreparedStreetNames &names = region.names();
+  FirstStreet first(s.input, kPaddedName, StreetOptions{});
+  char code = HKRC_OK;
+  auto consider = [&](int32_t i) {
+    // Only names of 90 or more become candidates, so the comparison may
+    // skip what cannot reach 90.
+    const int32_t score = std::max(names.score(first, i, true), 0);
+    if (score < kCandidateScore) return true;
+    code = append_candidate(s, &s.mcb->lvl2tab[i], score);
+    return code == HKRC_OK;
+  };
+  if (s.mcb->passopt == 2) {
+    for (int32_t i = 0; i < names.size(); ++i) {
+      if (!region.po_box(i) && !consider(i)) break;
+    }
+  } else {
+    region.for_each_admitted(FuzzyInput{s.input, s.input_len, s.street_type},
+                             consider);
+  }
+  return code;
+}
+
 char run_scan(Scan &s) {
   HKMCB *mcb = s.mcb;
+  // A blank input or input mode 3 compares no name; the walk below finds
+  // none without preparing the region's names.
+  if (s.mode == Mode::kFuzzy && s.input[0] != ' ' && s.req.in_mode != '3' &&
+      !detail::walk_fuzzy_pass) {
+    if (const RegionStreetNames *region = current_street_names(mcb)) {
+      return run_prepared_scan(s, *region);
+    }
+  }
   int32_t start = start_entry(s);
   if (start < 0) return HKRC_OK;
   char name[kPaddedName];

@@ -29,6 +29,13 @@ char reset_candidates(HKMCB *mcb);
 char collect_candidates(HKMCB *mcb, const ScanRequest &req, int32_t *count,
                         bool *exact);
 
+namespace detail {
+// Test hook: when true, the fuzzy pass on this thread walks the street table
+// name by name instead of taking the names through the prepared index (the
+// path it takes when the prepared names cannot be had).
+extern thread_local bool walk_fuzzy_pass;
+}  // namespace detail
+
 // True when the padded input name begins with a street-type word, the
 // words that let the fuzzy pass compare every name with the same initial.
 bool begins_with_street_type(const char *padded);

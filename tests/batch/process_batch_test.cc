@@ -153,35 +153,29 @@ TEST(ProcessBatch, CallsWithNothingToProcess) {
 }
 
 TEST(CodeMeanings, ServeTheTableOfCodes) {
-  struct Case {
+  // Every row of both tables is served with its own meaning.
+  struct Row {
     const char *(*lookup)(char);
     char code;
-    const char *want;  // NULL: not in the table
-  } cases[] = {
-      {orlo_return_meaning, HKRC_REFERENCE,
-       "processed: a reference address was chosen (written unless the match "
-       "status is 5)"},
-      {orlo_return_meaning, HKRC_COPY_FAILED,
-       "internal failure or bad argument caught at the Java boundary during "
-       "copyFields"},
-      {orlo_return_meaning, 'E', nullptr},
-      {orlo_return_meaning, ' ', nullptr},
-      {orlo_status_meaning, HKMS_NONE, "blank: no candidate was judged"},
-      {orlo_status_meaning, HKMS_TIE,
-       "ambiguous: several equally good reference addresses with different "
-       "references; none written"},
-      {orlo_status_meaning, 'A', nullptr},
+    const char *meaning;
   };
-  for (const Case &c : cases) {
-    SCOPED_TRACE(c.code);
-    const char *got = c.lookup(c.code);
-    if (c.want == nullptr) {
-      EXPECT_EQ(got, nullptr);
-    } else {
-      ASSERT_NE(got, nullptr);
-      EXPECT_STREQ(got, c.want);
-    }
+#define RETURN_ROW(name, code, message, meaning) \
+  {orlo_return_meaning, code, meaning},
+#define STATUS_ROW(name, code, meaning) {orlo_status_meaning, code, meaning},
+  const Row rows[] = {ORLO_RETURN_CODES(RETURN_ROW)
+                          ORLO_MATCH_STATUSES(STATUS_ROW)};
+#undef RETURN_ROW
+#undef STATUS_ROW
+  for (const Row &r : rows) {
+    SCOPED_TRACE(r.code);
+    EXPECT_STREQ(r.lookup(r.code), r.meaning);
   }
+  // Characters of neither table (a status is not a return code, and the
+  // other way round) have none.
+  for (char code : {'B', ' ', '\xFF'})
+    EXPECT_EQ(orlo_return_meaning(code), nullptr) << code;
+  for (char status : {'A', 'E', '9'})
+    EXPECT_EQ(orlo_status_meaning(status), nullptr) << status;
 }
 
 }  // namespace

@@ -119,6 +119,7 @@ TEST(NormaliseRegion, SpellingsAndPlaces) {
       {"New Territories", "NT", "NT"},
       {"N. T.", "NT", "NT"},
       {"Tsim Sha Tsui", nullptr, "KLN"},
+      {"CWB", nullptr, "HK"},
       {"TST", nullptr, "KLN"},
       {"Causeway Bay", nullptr, "HK"},
       {"Mid Levels", nullptr, "HK"},

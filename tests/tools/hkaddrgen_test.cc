@@ -71,9 +71,21 @@ TEST_F(Hkaddrgen, UsageAndInputErrors) {
   EXPECT_EQ(run("hkaddrgen --reference x.csv --count five"), 2);
   EXPECT_EQ(run("hkaddrgen --reference x.csv --count 5 --bogus 1"), 2);
   EXPECT_EQ(run("hkaddrgen --reference " + dir_ + "/none.csv --count 5"), 1);
-  write_file(dir_ + "/bad.csv", "region,street\nHK,A ST\n");
-  EXPECT_EQ(run("hkaddrgen --reference " + dir_ + "/bad.csv --count 5"), 1);
-  EXPECT_TRUE(has(err_, "bad.csv:1: expected 12 fields")) << err_;
+  EXPECT_TRUE(has(err_, "none.csv: No such file")) << err_;
+  // Faults name the file and line, as hkdb build does.
+  const struct {
+    std::string csv, message;
+  } cases[] = {
+      {"region,street\nHK,A ST\n", "bad.csv line 1: header must be exactly"},
+      {kRefHeader + "HK,A ST\n", "bad.csv line 2: expected 12 fields, found 2"},
+      {kRefHeader + "HK,\"A ST\n", "bad.csv line 2: "},
+      {kRefHeader, "bad.csv: no reference records"},
+  };
+  for (const auto &c : cases) {
+    write_file(dir_ + "/bad.csv", c.csv);
+    EXPECT_EQ(run("hkaddrgen --reference " + dir_ + "/bad.csv --count 5"), 1);
+    EXPECT_TRUE(has(err_, c.message)) << err_;
+  }
 }
 
 }  // namespace

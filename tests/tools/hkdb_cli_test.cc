@@ -123,6 +123,35 @@ TEST_F(HkdbCli, DamagedDatabaseFailsCheckAndIsNotDumped) {
       << absent.err;
 }
 
+// A header without rows builds, with a warning, an empty database that
+// checks clean and that the matcher opens and answers with match status '1'
+// (no region); the output folder is made, with the folders above it.
+TEST_F(HkdbCli, HeaderOnlyCsvBuildsAnEmptyDatabase) {
+  write_file(path("empty.csv"), kRefHeader);
+  std::string db = path("new/db");
+  ToolRun built = hkdb("build " + path("empty.csv") + " " + db);
+  ASSERT_EQ(built.status, 0) << built.err;
+  EXPECT_TRUE(has(built.out, "0 rows, 0 regions, 0 streets")) << built.out;
+  EXPECT_TRUE(has(built.err, "warning: " + path("empty.csv") +
+                                 " has no rows after its header line"))
+      << built.err;
+  ToolRun checked = hkdb("check " + db);
+  EXPECT_EQ(checked.status, 0) << checked.out;
+  EXPECT_TRUE(has(checked.out, "0 faults")) << checked.out;
+
+  std::string in(200, ' ');
+  in.replace(18, 11, "NATHAN ROAD");
+  in.replace(163, 3, "KLN");
+  write_file(path("in.bin"), in);
+  ToolRun geocoded =
+      run_tool(ORLO_BINARY_DIR "/bin/hkgeocode --quiet --fixed --db " + db +
+                   " " + path("in.bin"),
+               dir_);
+  ASSERT_EQ(geocoded.out.size(), 300u) << geocoded.err;
+  EXPECT_EQ(geocoded.out[0], '0');
+  EXPECT_EQ(geocoded.out[267], '1');
+}
+
 // The same seed writes the same rows to stdout or to --out.
 TEST_F(HkdbCli, GenerateIsDeterministic) {
   ToolRun a = hkdb("generate --records 3000 --seed 9");

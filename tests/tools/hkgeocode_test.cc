@@ -1,7 +1,7 @@
 // hkgeocode run as a program: its output against a golden file, the same
 // output with several threads, fixed records against direct matcher calls,
-// the sample addresses as people spell them, every kind of bad row, the
-// statement, the legend, and the exit codes.
+// the sample addresses as people spell them, address lines, every kind of
+// bad row, the statement, the legend, and the exit codes.
 #include <gtest/gtest.h>
 
 #include <cctype>
@@ -460,6 +460,79 @@ TEST_F(Hkgeocode, SampleInPeoplesSpellingGivesTheSameResults) {
 // A BASEDATA cut short after its date: most rows fail, the exit status is
 // 4 and one line says why; a byte-order mark before the header is no
 // fault.
+// --lines: one address a line of text or a named CSV column, the split
+// shown before the result, refused lines as bad rows, any number of
+// workers.
+TEST_F(Hkgeocode, LinesAreSplitShownAndGeocoded) {
+  write_file(path("lines.txt"),
+             "\xEF\xBB\xBF"
+             "Flat 3, 12/F, Chungking Mansions, 40 Nathan Rd, "
+             "TST, Kowloon\r\n"
+             "8 canton road kowloon\n"
+             "\n"
+             "8 \xE5\xBD\x8C\xE6\x95\xA6\xE9\x81\x93\n");
+  const std::string db = "--db " + dir_ + " --lines ";
+  ToolRun r = run(db + path("lines.txt"));
+  EXPECT_EQ(r.status, 1) << r.err;
+  auto rows = csv_rows(r.out);
+  ASSERT_EQ(rows.size(), 5u) << r.out;
+  const std::vector<std::string> split_head = {
+      "line",       "split_premno", "split_street",   "split_building",
+      "split_unit", "split_extra",  "split_district", "split_region",
+      "split",      "splits_tried", "split_note",     "return_code"};
+  EXPECT_EQ(std::vector<std::string>(rows[0].begin(), rows[0].begin() + 12),
+            split_head);
+  struct Want {
+    size_t row;
+    std::vector<std::string> split;  // split_premno .. split
+    const char *code, *refid;
+  } wants[] = {
+      {1,
+       {"40", "NATHAN ROAD", "CHUNGKING MANSIONS", "FLAT 3 12/F", "", "TST",
+        "KLN", "1"},
+       "1",
+       "00201"},
+      {2, {"8", "CANTON ROAD", "", "", "", "", "KLN", "1"}, "1", "00301"},
+  };
+  for (const Want &w : wants) {
+    SCOPED_TRACE(rows[w.row][0]);
+    ASSERT_EQ(rows[w.row].size(), 31u);
+    EXPECT_EQ(std::vector<std::string>(rows[w.row].begin() + 1,
+                                       rows[w.row].begin() + 9),
+              w.split);
+    EXPECT_EQ(rows[w.row][11], w.code);
+    EXPECT_EQ(rows[w.row][24], w.refid);
+  }
+  EXPECT_EQ(rows[3][11], "E");
+  EXPECT_TRUE(has(rows[4][12], "(U+5F4C) has no Latin-1 form")) << rows[4][12];
+  EXPECT_TRUE(has(r.err, "lines.txt:3: the line holds no address")) << r.err;
+  EXPECT_TRUE(has(r.err, "4 records read, 2 processed, 2 matched")) << r.err;
+  // Two workers, the same output.
+  EXPECT_EQ(run(db + "--threads 2 " + path("lines.txt")).out, r.out);
+
+  // A column of a CSV file: the other columns are kept.
+  write_file(path("lines.csv"), "id,address\n7,\"8 Canton Road, Kowloon\"\n");
+  ToolRun c = run(db + "--column address " + path("lines.csv"));
+  EXPECT_EQ(c.status, 0) << c.err;
+  rows = csv_rows(c.out);
+  ASSERT_EQ(rows.size(), 2u) << c.out;
+  EXPECT_EQ(rows[0][0] + "," + rows[0][1] + "," + rows[0][2],
+            "id,address,split_premno");
+  EXPECT_EQ(rows[1][0], "7");
+  EXPECT_EQ(rows[1][25], "00301");
+  ToolRun table = run(db + "--table " + path("lines.txt"));
+  EXPECT_TRUE(has(table.out, "\n2     8 canton road kowloon")) << table.out;
+  EXPECT_TRUE(has(table.out, " E     bad input row: the line holds no"))
+      << table.out;
+
+  for (const char *args : {"--lines --fixed", "--lines --raw",
+                           "--column address", "--lines --column nope"}) {
+    ToolRun bad = run("--db " + dir_ + " " + args + " " + path("lines.csv"));
+    EXPECT_EQ(bad.status, 2) << args;
+    EXPECT_TRUE(has(bad.err, "hkgeocode: ")) << args;
+  }
+}
+
 TEST_F(Hkgeocode, DamagedDatabaseExits4WithOneLineReason) {
   std::string cut = path("cut");
   std::filesystem::create_directory(cut);

@@ -206,7 +206,6 @@ TEST(RefdbBuilderErrors, BadRowsAndHeadersNameLineAndField) {
        true, 1, "", "header"},
       {"Region" + kRefHeader.substr(6), true, 1, "", "header"},
       {"", true, 1, "", "empty"},
-      {"", false, 2, "", "no data rows"},
   };
   for (const auto &c : cases) {
     SCOPED_TRACE(c.csv);
@@ -273,15 +272,29 @@ TEST(RefdbBuilderErrors, FilesThatOutgrowTheirOffsetsAreRejected) {
   EXPECT_NE(err.message.find("LEVEL2"), std::string::npos) << err.message;
 }
 
-TEST(RefdbBuilderErrors, BadDateOrMissingDirectoryWriteNothing) {
+// The output folder is made (with the folders above it) only for a CSV that
+// compiles; a path that is a file is refused.
+TEST(RefdbBuilderErrors, BadDateOrOutputPathWriteNothing) {
   std::string dir = make_temp_dir();
   BuildError err;
   std::string csv = kRefHeader + "HK,A,,,,,,,,,,\n";
   EXPECT_FALSE(build_reference_db(csv, dir, "2026011", &err));
   EXPECT_NE(err.message.find("8 characters"), std::string::npos);
   EXPECT_TRUE(std::filesystem::is_empty(dir));
-  EXPECT_FALSE(build_reference_db(csv, dir + "/missing", "20260101", &err));
-  EXPECT_NE(err.message.find("does not exist"), std::string::npos);
+  const std::string wide_street = "HK," + std::string(31, 'S') + ",,,,,,,,,,\n";
+  EXPECT_FALSE(build_reference_db(kRefHeader + wide_street, dir + "/new",
+                                  "20260101", &err));
+  EXPECT_TRUE(std::filesystem::is_empty(dir));
+  orlo::testing::write_file(dir + "/file", "");
+  EXPECT_FALSE(build_reference_db(csv, dir + "/file", "20260101", &err));
+  EXPECT_NE(err.message.find("output folder " + dir + "/file"),
+            std::string::npos)
+      << err.message;
+  std::filesystem::remove(dir + "/file");
+  ASSERT_TRUE(build_reference_db(csv, dir + "/new/db", "20260101", &err))
+      << err.message;
+  EXPECT_TRUE(file_exists(dir + "/new/db/BASEDATA"));
+  std::filesystem::remove_all(dir + "/new");
   EXPECT_FALSE(build_reference_db_file(dir + "/none.csv", dir, "", &err));
   EXPECT_NE(err.message.find("cannot open"), std::string::npos);
   EXPECT_TRUE(std::filesystem::is_empty(dir));

@@ -1,5 +1,6 @@
 // hkaddrgen: writes input addresses for hkgeocode, derived from a reference
 // CSV, for tests and benchmarks.
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <random>
@@ -10,6 +11,7 @@
 #include "hkaddrgen/address_variants.h"
 #include "lib/csv_reader.h"
 #include "lib/csv_writer.h"
+#include "lib/refdb_compiler.h"
 
 namespace orlo::tools::hkaddrgen {
 namespace {
@@ -94,7 +96,7 @@ bool read_places(const std::string &path, std::mt19937_64 &rng,
                  std::vector<ReferencePlace> *places, std::string *error) {
   std::FILE *f = std::fopen(path.c_str(), "rb");
   if (f == nullptr) {
-    *error = "cannot open " + path;
+    *error = "cannot open " + path + ": " + std::strerror(errno);
     return false;
   }
   CsvReader reader(f);
@@ -104,10 +106,18 @@ bool read_places(const std::string &path, std::mt19937_64 &rng,
   for (bool header = true;; header = false) {
     CsvReader::Status s = reader.next(&fields);
     if (s == CsvReader::Status::kEnd) break;
-    if (s == CsvReader::Status::kError || fields.size() != 12) {
-      *error = path + ":" + std::to_string(reader.line()) + ": " +
-               (s == CsvReader::Status::kError ? reader.error()
-                                               : "expected 12 fields");
+    // Faults name the file and line as hkdb build does.
+    std::string fault;
+    BuildError header_error;
+    if (s == CsvReader::Status::kError) {
+      fault = reader.error();
+    } else if (header && !RefdbCollector::check_header(fields, &header_error)) {
+      fault = header_error.message;
+    } else if (fields.size() != 12) {
+      fault = "expected 12 fields, found " + std::to_string(fields.size());
+    }
+    if (!fault.empty()) {
+      *error = path + " line " + std::to_string(reader.line()) + ": " + fault;
       ok = false;
       break;
     }
@@ -125,7 +135,7 @@ bool read_places(const std::string &path, std::mt19937_64 &rng,
   }
   std::fclose(f);
   if (ok && places->empty()) {
-    *error = path + ": no reference records";
+    *error = path + ": no reference records after the header line";
     ok = false;
   }
   return ok;
@@ -156,13 +166,15 @@ int run(const Args &a) {
   }
   std::FILE *out = a.out.empty() ? stdout : std::fopen(a.out.c_str(), "wb");
   if (out == nullptr) {
-    std::fprintf(stderr, "hkaddrgen: cannot create %s\n", a.out.c_str());
+    std::fprintf(stderr, "hkaddrgen: cannot create %s: %s\n", a.out.c_str(),
+                 std::strerror(errno));
     return kExitData;
   }
   bool written = write_addresses(a, places, rng, out);
   if (out != stdout) written = std::fclose(out) == 0 && written;
   if (!written) {
-    std::fputs("hkaddrgen: error writing the output\n", stderr);
+    std::fprintf(stderr, "hkaddrgen: error writing %s\n",
+                 a.out.empty() ? "standard output" : a.out.c_str());
     return kExitData;
   }
   std::fprintf(stderr, "hkaddrgen: %llu addresses from %zu reference records\n",

@@ -14,7 +14,7 @@ constexpr const char *kHelp =
     "Usage: hkdb build CSV OUTDIR [--date TEXT8] [--any-region]\n"
     "\n"
     "Compiles the reference CSV into LEVEL1, LEVEL2 and BASEDATA in OUTDIR\n"
-    "(which must exist). The CSV starts with the header line\n"
+    "(made when it does not exist). The CSV starts with the header line\n"
     "  region,street,refcode,refid,building,parity,qual1,low,qual2,high,"
     "code9,address\n"
     "and has one reference record a row, in Latin-1. --date sets the\n"
@@ -28,6 +28,10 @@ constexpr const char *kHelp =
     "letters are folded to upper case, as the front ends fold input, with\n"
     "one warning that counts the rows; exact duplicate rows are kept once,\n"
     "with a warning that counts them and names the first.\n"
+    "\n"
+    "A CSV with only its header line gives an empty database (the matcher\n"
+    "opens it and finds no region: match status 1 for every address), with\n"
+    "a warning.\n"
     "\n"
     "On a fault the CSV line and field are named, no output file is\n"
     "written and the exit status is 1.\n";
@@ -95,6 +99,12 @@ int run_build(int argc, char **argv) {
     ok = build_reference_db_from(&csv, outdir, options, &stats, &err);
   }
   if (!ok) return data_error("build", describe(csv_path, err));
+  if (stats.rows == 0)
+    std::fprintf(stderr,
+                 "hkdb build: warning: %s has no rows after its header line; "
+                 "the database is empty and every address will get match "
+                 "status 1 (no region)\n",
+                 csv_path.c_str());
   warn(stats);
   std::string rows = counted(stats.rows, "row");
   if (stats.repeated_rows > 0)

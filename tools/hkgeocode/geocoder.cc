@@ -40,6 +40,12 @@ void Geocoder::process(const char *inrec, char *outrec) {
           nullptr, namelist_.data(), reclist_.data());
 }
 
+int32_t Geocoder::process_line(const std::string &line, char *inrec,
+                               char *outrec, ORLO_LINE_INFO *info) {
+  return orlo_line_geocode(&handle_, line.data(), line.size(), inrec, outrec,
+                           namelist_.data(), reclist_.data(), info);
+}
+
 int32_t Geocoder::records_read() const {
   return handle_.mcb != nullptr ? handle_.mcb->nread : 0;
 }

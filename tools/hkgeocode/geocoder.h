@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "orlo_lines.h"
 #include "orlo_matcher.h"
 
 namespace orlo::tools::hkgeocode {
@@ -32,6 +33,12 @@ class Geocoder {
 
   // Processes one 200-byte input record into a 300-byte output record.
   void process(const char *inrec, char *outrec);
+
+  // Splits and geocodes one address line (orlo_line_geocode): the 200-byte
+  // record of the split kept into inrec, the result into outrec. Returns an
+  // ORLO_LINE_STATUS with *info filled.
+  int32_t process_line(const std::string &line, char *inrec, char *outrec,
+                       ORLO_LINE_INFO *info);
 
   // The instance's counters, and a way to fold another's into them so that
   // one close can report for all.

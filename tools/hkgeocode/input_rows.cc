@@ -1,5 +1,6 @@
 #include "hkgeocode/input_rows.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "common/fixed_field.h"
@@ -129,19 +130,39 @@ bool check_raw_record(std::string_view record, std::string *error) {
   return true;
 }
 
-RowSource::RowSource(std::FILE *in, bool fixed, bool raw)
-    : in_(in), fixed_(fixed), raw_(raw) {
+RowSource::RowSource(std::FILE *in, bool fixed) : in_(in), fixed_(fixed) {
   if (!fixed_) csv_ = std::make_unique<CsvReader>(in_);
+  columns_.assign(kInputColumns.begin(), kInputColumns.end());
+}
+
+RowSource RowSource::lines(std::FILE *in, std::string column) {
+  RowSource r(in, /*fixed=*/true);
+  r.fixed_ = false;
+  r.lines_ = true;
+  r.column_ = std::move(column);
+  if (!r.column_.empty()) r.csv_ = std::make_unique<CsvReader>(in);
+  r.columns_ = {"line"};
+  return r;
 }
 
 bool RowSource::start(std::string *error) {
-  if (fixed_) return true;
+  if (fixed_ || (lines_ && column_.empty())) return true;
   std::vector<std::string> header;
   CsvReader::Status s = csv_->next(&header);
   // A byte-order mark marks the file as UTF-8; it is no part of the header.
   if (s == CsvReader::Status::kRow && !header.empty() &&
       header[0].starts_with(kUtf8Bom))
     header[0].erase(0, kUtf8Bom.size());
+  if (lines_ && s == CsvReader::Status::kRow) {
+    auto at = std::find(header.begin(), header.end(), column_);
+    if (at != header.end()) {
+      column_index_ = static_cast<size_t>(at - header.begin());
+      columns_ = header;
+      return true;
+    }
+    *error = "line 1: the header has no column \"" + column_ + "\"";
+    return false;
+  }
   bool ok =
       s == CsvReader::Status::kRow && header.size() == kInputColumns.size();
   for (size_t i = 0; ok && i < header.size(); ++i) {
@@ -177,11 +198,37 @@ bool RowSource::next_csv(InputRow *row) {
     ended_ = true;
     return true;
   }
-  if (raw_) {
-    record_from_fields(row->fields, &row->record, &row->error);
-  } else {
-    normalised_record(row->fields, &row->record, &row->error);
+  if (lines_) {
+    row->is_line = true;
+    if (column_index_ < row->fields.size()) {
+      row->address = row->fields[column_index_];
+    } else {
+      row->error = "expected " + std::to_string(columns_.size()) +
+                   " fields, found " + std::to_string(row->fields.size());
+    }
   }
+  return true;
+}
+
+// One address a line of text: the line without its line end (a CR before
+// it too); a byte-order mark before the first is dropped.
+bool RowSource::next_text_line(InputRow *row) {
+  std::string text;
+  int c;
+  bool any = false;
+  while ((c = std::getc(in_)) != EOF) {
+    any = true;
+    if (c == '\n') break;
+    text.push_back(static_cast<char>(c));
+  }
+  if (!any) return false;
+  if (!text.empty() && text.back() == '\r') text.pop_back();
+  if (++records_ == 1 && text.starts_with(kUtf8Bom))
+    text.erase(0, kUtf8Bom.size());
+  row->line = records_;
+  row->is_line = true;
+  row->fields = {text};
+  row->address = std::move(text);
   return true;
 }
 
@@ -197,7 +244,7 @@ bool RowSource::next_fixed(InputRow *row) {
         "the input starts with a byte-order mark, as text files do; "
         "--fixed reads raw 200-byte records";
   } else if (check_raw_record(rec, &row->error)) {
-    row->record = std::move(rec);
+    row->record = rec;
   }
   if (n < HKINREC_SIZE) ended_ = true;
   return true;
@@ -206,16 +253,35 @@ bool RowSource::next_fixed(InputRow *row) {
 size_t RowSource::read_batch(size_t n, std::vector<InputRow> *rows) {
   size_t added = 0;
   while (added < n && !ended_) {
-    InputRow row;
-    bool got = fixed_ ? next_fixed(&row) : next_csv(&row);
+    if (rows->size() == added) rows->emplace_back();
+    InputRow &row = (*rows)[added];
+    row.line = 0;
+    row.record.clear();
+    row.error.clear();
+    row.is_line = false;
+    row.address.clear();
+    row.split = 0;
+    row.tries = 0;
+    row.note.clear();
+    bool got = fixed_                      ? next_fixed(&row)
+               : lines_ && column_.empty() ? next_text_line(&row)
+                                           : next_csv(&row);
+
     if (!got) {
       ended_ = true;
       break;
     }
-    rows->push_back(std::move(row));
     ++added;
   }
   return added;
+}
+
+void make_record(InputRow *row, bool raw) {
+  if (raw) {
+    record_from_fields(row->fields, &row->record, &row->error);
+  } else {
+    normalised_record(row->fields, &row->record, &row->error);
+  }
 }
 
 uint64_t RowSource::bytes_read() const {

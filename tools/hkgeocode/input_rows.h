@@ -1,6 +1,8 @@
 // The rows hkgeocode reads: CSV rows turned into 200-byte input records
-// (tidied by the input normalisation, or placed as given with --raw), or raw
-// records, each checked, with the line it came from.
+// (tidied by the input normalisation, or placed as given with --raw), raw
+// records, each checked, or (--lines) addresses written as one line of text,
+// which the line splitter turns into records when they are processed; each
+// row with the line it came from.
 #ifndef ORLO_TOOLS_HKGEOCODE_INPUT_ROWS_H
 #define ORLO_TOOLS_HKGEOCODE_INPUT_ROWS_H
 
@@ -26,6 +28,14 @@ struct InputRow {
   std::vector<std::string> fields;  // the CSV fields as read
   std::string record;               // the 200-byte input record
   std::string error;                // why the row is bad; empty when good
+  // With --lines: the address line, then, once processed, which split of
+  // it the result is from, how many went to the matcher and how it was
+  // read (record holds the split's input record; a refused line is bad).
+  bool is_line = false;
+  std::string address;
+  int split = 0;
+  int tries = 0;
+  std::string note;
 
   bool bad() const { return !error.empty(); }
 };
@@ -45,19 +55,35 @@ bool normalised_record(const std::vector<std::string> &fields,
 // Checks a raw input record: 200 bytes of printable ASCII.
 bool check_raw_record(std::string_view record, std::string *error);
 
+// Makes the input record of a CSV row from its fields: as given (raw) or
+// through the input normalisation. A row it refuses gets its error.
+void make_record(InputRow *row, bool raw);
+
 // Reads the input in batches.
 class RowSource {
  public:
-  // fixed: raw 200-byte records. raw: CSV fields placed as given, without
-  // the normalisation.
-  RowSource(std::FILE *in, bool fixed, bool raw = false);
+  // fixed: raw 200-byte records; otherwise CSV rows, whose records
+  // make_record makes afterwards (on the workers).
+  RowSource(std::FILE *in, bool fixed);
 
-  // Reads the CSV header line (nothing with --fixed). False with *error set
-  // when it is not the expected header.
+  // Address lines: one a line of text (column empty), or the named column
+  // of a CSV file with a header.
+  static RowSource lines(std::FILE *in, std::string column);
+
+  // Reads the CSV header line (nothing with --fixed or plain lines). False
+  // with *error set when it is not the expected header (for --lines with a
+  // column: when the header has no such column).
   bool start(std::string *error);
 
-  // Appends up to n rows to *rows. Returns the number appended; 0 when the
-  // input is exhausted. Malformed CSV yields one bad row and ends the input.
+  // The names of the input's columns, for the output: the nine of the
+  // record, the header of a CSV of lines, or "line".
+  const std::vector<std::string> &columns() const { return columns_; }
+
+  // Reads up to n rows into the first places of *rows, reusing the rows
+  // (and the room their texts hold) that are there. Returns the number
+  // read; 0 when the input is exhausted. Malformed CSV yields one bad row
+  // and ends the input. CSV rows come with their fields only: make_record
+  // makes their input records; address lines are split when processed.
   size_t read_batch(size_t n, std::vector<InputRow> *rows);
 
   // Bytes of the input consumed so far (for the progress display).
@@ -66,10 +92,15 @@ class RowSource {
  private:
   bool next_csv(InputRow *row);
   bool next_fixed(InputRow *row);
+  bool next_text_line(InputRow *row);
 
   std::FILE *in_;
   bool fixed_;
-  bool raw_;
+  bool lines_ = false;
+  std::string column_;  // with lines_: the CSV column, or empty
+  size_t column_index_ = 0;
+  std::vector<std::string> columns_;
+
   bool ended_ = false;
   long records_ = 0;
   std::unique_ptr<CsvReader> csv_;

@@ -13,10 +13,7 @@ struct Code {
 
 #define ORLO_RETURN_ROW(name, code, message, meaning) {code, message, meaning},
 #define ORLO_STATUS_ROW(name, code, meaning) {code, nullptr, meaning},
-constexpr Code kReturnCodes[] = {ORLO_RETURN_CODES(ORLO_RETURN_ROW){
-    kBadRowCode, nullptr,
-    "bad input row: not processed; the reason follows in return_meaning "
-    "and on standard error"}};
+constexpr Code kReturnCodes[] = {ORLO_RETURN_CODES(ORLO_RETURN_ROW)};
 constexpr Code kMatchStatuses[] = {ORLO_MATCH_STATUSES(ORLO_STATUS_ROW)};
 #undef ORLO_RETURN_ROW
 #undef ORLO_STATUS_ROW

@@ -9,10 +9,12 @@
 #include <string>
 #include <string_view>
 
+#include "orlo_codes.h"
+
 namespace orlo::tools::hkgeocode {
 
 // The return code that marks a bad input row in the output.
-inline constexpr char kBadRowCode = 'E';
+inline constexpr char kBadRowCode = HKRC_INPUT_REFUSED;
 
 std::string_view return_code_meaning(char code);
 std::string_view match_status_meaning(char status);

@@ -105,47 +105,40 @@ void report_bad_row(const std::string &in_name, bool fixed,
                fixed ? "record " : "", row.line, row.error.c_str());
 }
 
-void write_rows(const Options &o, const std::vector<InputRow> &rows,
-                const std::vector<char> &outrecs, std::FILE *out,
-                std::string *buffer) {
-  buffer->clear();
-  for (size_t i = 0; i < rows.size(); ++i) {
-    const char *rec = outrecs.data() + i * HKOUTREC_SIZE;
-    if (o.fixed) {
-      append_raw_record(rows[i], rec, buffer);
-    } else if (o.table) {
-      append_table_row(rows[i], rec, buffer);
-    } else if (rows[i].bad()) {
-      append_bad_row(rows[i], buffer);
-    } else {
-      append_result_row(rows[i], rec, buffer);
-    }
-  }
-  std::fwrite(buffer->data(), 1, buffer->size(), out);
+OutputForm output_form(const Options &o) {
+  return o.fixed   ? OutputForm::kFixed
+         : o.table ? OutputForm::kTable
+                   : OutputForm::kCsv;
 }
 
+// Reads the input in batches; while the workers match one batch, the next
+// is read. The reports of bad rows, the totals and the output keep the
+// input's order.
 void process_all(const Options &o, const Streams &s, RowSource *source,
                  std::vector<std::unique_ptr<Geocoder>> *instances,
                  Totals *totals) {
   Progress progress(!o.quiet, regular_file_size(s.in));
-  BatchRunner runner(instances);
-  std::vector<InputRow> rows;
+  BatchRunner runner(instances, o.raw, output_form(o),
+                     OutputLayout{source->columns(), o.lines});
+  std::vector<InputRow> rows[2];
   std::vector<char> outrecs;
-  std::string buffer;
-  size_t batch = kRowsPerWorker * instances->size();
-  for (;;) {
-    rows.clear();
-    if (source->read_batch(batch, &rows) == 0) break;
-    runner.run(rows, &outrecs);
-    for (size_t i = 0; i < rows.size(); ++i) {
-      if (rows[i].bad()) {
+  const size_t batch = kRowsPerWorker * instances->size();
+  size_t count = source->read_batch(batch, &rows[0]);
+  for (int cur = 0; count > 0; cur = 1 - cur) {
+    runner.start(&rows[cur], count, &outrecs);
+    const size_t next = source->read_batch(batch, &rows[1 - cur]);
+    const std::string &output = runner.wait();
+    for (size_t i = 0; i < count; ++i) {
+      const InputRow &row = rows[cur][i];
+      if (row.bad()) {
         progress.finish();  // messages start on a line of their own
-        report_bad_row(s.in_name, o.fixed, rows[i]);
+        report_bad_row(s.in_name, o.fixed, row);
       }
-      totals->add(rows[i], outrecs.data() + i * HKOUTREC_SIZE);
+      totals->add(row, outrecs.data() + i * HKOUTREC_SIZE);
     }
-    write_rows(o, rows, outrecs, s.out, &buffer);
+    std::fwrite(output.data(), 1, output.size(), s.out);
     progress.update(totals->read, source->bytes_read());
+    count = next;
   }
   progress.finish();
 }
@@ -220,13 +213,15 @@ int run(const Options &o) {
   if (int rc = open_streams(o, &s); rc != kExitOk) return rc;
   std::vector<std::unique_ptr<Geocoder>> instances;
   if (int rc = open_instances(o, &instances); rc != kExitOk) return rc;
-  RowSource source(s.in, o.fixed, o.raw);
+  RowSource source =
+      o.lines ? RowSource::lines(s.in, o.column) : RowSource(s.in, o.fixed);
+
   std::string error;
   if (!source.start(&error)) return fail(s.in_name + ": " + error);
   if (o.table) {
     std::fputs(table_header().c_str(), s.out);
   } else if (!o.fixed) {
-    std::fputs(csv_header().c_str(), s.out);
+    std::fputs(csv_header({source.columns(), o.lines}).c_str(), s.out);
   }
 
   Totals totals;

@@ -31,9 +31,21 @@ constexpr const char *kUsage =
     "Tin\") when it is empty. A field with characters outside Latin-1\n"
     "(Chinese, for one) makes the row bad. Widths count after tidying.\n"
     "\n"
+    "With --lines, INPUT holds addresses as people write them, one to a\n"
+    "line of text (\"Flat B, 12/F, 28 Nathan Rd, TST, Kowloon\"), or with\n"
+    "--column NAME in the named column of a CSV file with a header. Each\n"
+    "line is split into the fields of the record by the library's line\n"
+    "splitter (the floor and unit line, block and tower, premise number,\n"
+    "street and building by the database's own names, district and\n"
+    "region), the likely splits are tried through the matcher, and the\n"
+    "best result is kept; the output shows the split. An empty line, a\n"
+    "line longer than a record can carry or one in characters such as\n"
+    "Chinese is a bad row.\n"
+    "\n"
     "Options:\n"
     "  --db DIR            reference database (LEVEL1, LEVEL2, BASEDATA);\n"
-    "                      default: the sample database of the build\n"
+    "                      default: the sample database of the build, or\n"
+    "                      the installed one\n"
     "  --options TEXT      option string of the open (listing, pass, extract\n"
     "                      and memory mode, e.g. \" M\" for memory mode)\n"
     "  --threads N         N workers (1 to 64), each with its own instance;\n"
@@ -46,14 +58,22 @@ constexpr const char *kUsage =
     "                      of the codes in it, instead of CSV\n"
     "  --fixed             raw 200-byte input records, raw 300-byte output\n"
     "                      records (never tidied)\n"
+    "  --lines             one address a line of text (see above)\n"
+    "  --column NAME       with --lines: the addresses are the column NAME of\n"
+    "                      a CSV file with a header\n"
     "  --out PATH          output file (default: standard output)\n"
     "  --report PATH       write the address accuracy statement at the end\n"
     "  --report-line TEXT  a free line of the statement (up to six times)\n"
     "  --quiet             no progress display\n"
     "  --help              this text\n"
     "\n"
-    "The CSV output repeats the input columns exactly as read and adds\n"
-    "these, in UTF-8 (\"as read\" is the record the matcher received):\n";
+    "The CSV output repeats the input columns exactly as read (with\n"
+    "--lines: the column \"line\", or every column of the CSV), with\n"
+    "--lines adds the split:\n";
+
+constexpr const char *kResultColumns =
+    "and then these, in UTF-8 (\"as read\" is the record the matcher\n"
+    "received):\n";
 
 constexpr const char *kCodes =
     "\n"
@@ -64,13 +84,15 @@ constexpr const char *kNotes =
     "\n"
     "Bad rows (a wrong number of fields, a field wider than its record\n"
     "field after tidying, a character outside Latin-1, a control\n"
-    "character, with --raw any byte that is not printable ASCII, or\n"
-    "malformed CSV) are reported on standard error with their line, counted\n"
+    "character, with --raw any byte that is not printable ASCII, with\n"
+    "--lines a line refused by the splitter, or malformed CSV) are\n"
+    "reported on standard error with their line, counted\n"
     "in the summary and written to the output with return code E and the\n"
     "reason; with --fixed, as a record of blanks with E in byte 0.\n"
     "Malformed CSV ends the input.\n"
     "\n"
-    "The accuracy statement counts the records of all workers together: each\n"
+    "The accuracy statement counts the records of all workers together (one\n"
+    "a line, however many splits of it were tried): each\n"
     "worker's instance is closed without a statement and the first one, its\n"
     "counters holding the totals of all, is closed last with one. The open\n"
     "options then decide, as for any close, whether a statement is written.\n"
@@ -102,7 +124,7 @@ bool parse_threads(std::string_view text, int *threads) {
 
 bool takes_value(std::string_view name) {
   for (std::string_view v : {"--db", "--options", "--threads", "--out",
-                             "--report", "--report-line"}) {
+                             "--report", "--report-line", "--column"}) {
     if (v == name) return true;
   }
   return false;
@@ -121,6 +143,8 @@ bool apply(std::string_view name, const std::string &value, Options *o,
     }
   } else if (name == "--out") {
     o->out_path = value;
+  } else if (name == "--column") {
+    o->column = value;
   } else if (name == "--report") {
     o->report_path = value;
   } else if (name == "--report-line") {
@@ -144,7 +168,8 @@ bool writes_extract(const std::string &open_options) {
 }  // namespace
 
 std::string usage_text() {
-  return kUsage + columns_help() + kCodes + code_legend("", "") + kNotes;
+  return kUsage + split_columns_help() + kResultColumns + columns_help() +
+         kCodes + code_legend("", "") + kNotes;
 }
 
 bool parse_options(int argc, char **argv, Options *o, std::string *error) {
@@ -157,6 +182,8 @@ bool parse_options(int argc, char **argv, Options *o, std::string *error) {
       o->fixed = true;
     } else if (a == "--raw") {
       o->raw = true;
+    } else if (a == "--lines") {
+      o->lines = true;
     } else if (a == "--table") {
       o->table = true;
     } else if (a == "--quiet") {
@@ -189,6 +216,14 @@ bool parse_options(int argc, char **argv, Options *o, std::string *error) {
     *error = "--table and --fixed cannot be combined";
     return false;
   }
+  if (o->lines && (o->fixed || o->raw)) {
+    *error = "--lines cannot be combined with --fixed or --raw";
+    return false;
+  }
+  if (!o->column.empty() && !o->lines) {
+    *error = "--column names the column of address lines: give --lines too";
+    return false;
+  }
   if (o->threads > 1 && writes_extract(o->open_options)) {
     *error = "an extract option cannot be combined with --threads above 1";
     return false;
@@ -202,7 +237,14 @@ std::string default_db_dir() {
   if (n <= 0) return "data/sample";
   std::string path(exe, static_cast<size_t>(n));
   std::string folder = path.substr(0, path.rfind('/'));
-  return folder + "/../data/sample";
+  // In the build tree the sample database lies beside bin/; installed, it
+  // lies where the install put it, relative to the tools' folder.
+  std::string built = folder + "/../data/sample";
+  std::string installed = folder + "/" ORLO_INSTALLED_SAMPLE_DB;
+  if (::access((built + "/LEVEL1").c_str(), F_OK) != 0 &&
+      ::access((installed + "/LEVEL1").c_str(), F_OK) == 0)
+    return installed;
+  return built;
 }
 
 }  // namespace orlo::tools::hkgeocode

@@ -24,6 +24,8 @@ struct Options {
   int threads = 1;
   bool fixed = false;
   bool raw = false;         // CSV fields as given, not normalised
+  bool lines = false;       // addresses written as one line each
+  std::string column;       // with lines: the CSV column holding them
   bool table = false;       // a readable table instead of CSV
   std::string out_path;     // empty: standard output
   std::string report_path;  // empty: no accuracy statement
@@ -39,8 +41,8 @@ bool parse_options(int argc, char **argv, Options *options, std::string *error);
 // The --help text.
 std::string usage_text();
 
-// The sample database that the build places beside the tool's bin folder:
-// <folder of the executable>/../data/sample.
+// The sample database that the build places beside the tool's bin folder,
+// <folder of the executable>/../data/sample, or else the installed one.
 std::string default_db_dir();
 
 }  // namespace orlo::tools::hkgeocode

@@ -77,6 +77,34 @@ constexpr OutputColumn kOutputColumns[] = {
      "Y when out_building is the reference record's building name"},
 };
 
+// The columns that --lines adds: the fields of the input record that the
+// line was split into, and which split the result is from.
+struct SplitColumn {
+  std::string_view name;
+  FieldRef field;  // width 0: not a field of the record
+  std::string_view meaning;
+};
+
+constexpr SplitColumn kSplitColumns[] = {
+    {"split_premno", in::premno, "the premise number the line was split into"},
+    {"split_street", in::street,
+     "the street (as the reference data spells it when it named it)"},
+    {"split_building", in::bldg, "the building"},
+    {"split_unit", in::unit,
+     "the floor and unit line (flat, room, shop, floor)"},
+    {"split_extra", in::extra,
+     "block, tower, phase and wing, and words no part took"},
+    {"split_district", in::district, "the district"},
+    {"split_region", in::region,
+     "the region key the kept split was geocoded in"},
+    {"split",
+     {0, 0},
+     "which split of the line the result is from: 1 the most likely, 2 "
+     "the next, ..."},
+    {"splits_tried", {0, 0}, "how many splits went to the matcher"},
+    {"split_note", {0, 0}, "how the kept split read the line"},
+};
+
 std::string_view trimmed(std::string_view text) {
   return text.substr(0, significant_length(text));
 }
@@ -156,10 +184,33 @@ void append_field(std::string_view value, std::string *out) {
 }
 
 // The input columns, byte for byte as read.
-void append_input_columns(const InputRow &row, std::string *out) {
-  for (size_t i = 0; i < kInputColumns.size(); ++i) {
+void append_input_columns(const OutputLayout &layout, const InputRow &row,
+                          std::string *out) {
+  for (size_t i = 0; i < layout.input_columns.size(); ++i) {
     if (i > 0) out->push_back(',');
     if (i < row.fields.size()) append_field(row.fields[i], out);
+  }
+}
+
+// The split columns of a line's row (each after a comma).
+void append_split_columns(const InputRow &row, std::string *out) {
+  for (const SplitColumn &col : kSplitColumns) {
+    out->push_back(',');
+    std::string value;
+    if (col.name == "split_unit") {
+      std::string line(field_view(row.record.data(), in::unit));
+      line.append(field_view(row.record.data(), in::unitext));
+      value = latin1_to_utf8(trimmed(line));
+    } else if (col.field.len > 0) {
+      value = latin1_to_utf8(trimmed(field_view(row.record.data(), col.field)));
+    } else if (col.name == "split") {
+      value = std::to_string(row.split);
+    } else if (col.name == "splits_tried") {
+      value = std::to_string(row.tries);
+    } else {
+      value = row.note;
+    }
+    append_field(value, out);
   }
 }
 
@@ -197,8 +248,11 @@ std::string table_cell(std::initializer_list<std::string_view> parts,
   return fit(cell, width);
 }
 
-// The address as given: premise number and street, building, unit, region.
+// The address as given: premise number and street, building, unit, region;
+// or the line.
 std::string given_address(const InputRow &row) {
+  if (row.is_line)
+    return table_cell({display_text(row.address)}, kTableAddress);
   auto f = [&row](size_t i) -> std::string {
     return i < row.fields.size() ? display_text(row.fields[i]) : "";
   };
@@ -243,11 +297,17 @@ void append_table_row(const InputRow &row, const char *outrec,
   out->push_back('\n');
 }
 
-std::string csv_header() {
+std::string csv_header(const OutputLayout &layout) {
   std::string h;
-  for (std::string_view name : kInputColumns) {
-    h.append(name);
+  for (const std::string &name : layout.input_columns) {
+    append_field(name, &h);
     h.push_back(',');
+  }
+  if (layout.lines) {
+    for (const SplitColumn &col : kSplitColumns) {
+      h.append(col.name);
+      h.push_back(',');
+    }
   }
   for (const OutputColumn &col : kOutputColumns) {
     h.append(col.name);
@@ -270,9 +330,23 @@ std::string columns_help() {
   return out;
 }
 
-void append_result_row(const InputRow &row, const char *outrec,
-                       std::string *out) {
-  append_input_columns(row, out);
+std::string split_columns_help() {
+  std::string out;
+  size_t width = 0;
+  for (const SplitColumn &col : kSplitColumns)
+    width = std::max(width, col.name.size());
+  for (const SplitColumn &col : kSplitColumns) {
+    std::string name(col.name);
+    name.resize(width, ' ');
+    append_item(&out, name, col.meaning);
+  }
+  return out;
+}
+
+void append_result_row(const OutputLayout &layout, const InputRow &row,
+                       const char *outrec, std::string *out) {
+  append_input_columns(layout, row, out);
+  if (layout.lines) append_split_columns(row, out);
   for (const OutputColumn &col : kOutputColumns) {
     out->push_back(',');
     append_field(column_value(col, outrec), out);
@@ -280,8 +354,10 @@ void append_result_row(const InputRow &row, const char *outrec,
   out->push_back('\n');
 }
 
-void append_bad_row(const InputRow &row, std::string *out) {
-  append_input_columns(row, out);
+void append_bad_row(const OutputLayout &layout, const InputRow &row,
+                    std::string *out) {
+  append_input_columns(layout, row, out);
+  if (layout.lines) out->append(std::size(kSplitColumns), ',');
   out->push_back(',');
   out->push_back(kBadRowCode);
   out->push_back(',');

@@ -1,32 +1,43 @@
-// The output rows of hkgeocode: the input columns followed by every field of
-// the 300-byte output record under a readable name, as CSV; a readable
-// table; or the raw records.
+// The output rows of hkgeocode: the input columns, with --lines how each
+// line was split, then every field of the 300-byte output record under a
+// readable name, as CSV; a readable table; or the raw records.
 #ifndef ORLO_TOOLS_HKGEOCODE_OUTPUT_FORMAT_H
 #define ORLO_TOOLS_HKGEOCODE_OUTPUT_FORMAT_H
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "hkgeocode/input_rows.h"
 #include "hkgeocode/legend.h"
 
 namespace orlo::tools::hkgeocode {
 
-// The header line of the CSV output, with its line end.
-std::string csv_header();
+// The columns of the CSV output: the input's (their names), then with
+// --lines those of the split, then the result's.
+struct OutputLayout {
+  std::vector<std::string> input_columns;
+  bool lines = false;
+};
 
-// The output columns with what each holds, as --help lists them.
+// The header line of the CSV output, with its line end.
+std::string csv_header(const OutputLayout &layout);
+
+// The output columns with what each holds, as --help lists them, and the
+// columns of the split that --lines adds.
 std::string columns_help();
+std::string split_columns_help();
 
 // Appends the CSV line of a processed row and its 300-byte output record.
-// The input columns repeat the fields exactly as read; the result columns
-// are UTF-8 (the record's Latin-1 converted).
-void append_result_row(const InputRow &row, const char *outrec,
-                       std::string *out);
+// The input columns repeat the fields exactly as read; the split and
+// result columns are UTF-8 (the records' Latin-1 converted).
+void append_result_row(const OutputLayout &layout, const InputRow &row,
+                       const char *outrec, std::string *out);
 
 // Appends the CSV line of a bad row: its fields exactly as read, return
 // code E and the reason.
-void append_bad_row(const InputRow &row, std::string *out);
+void append_bad_row(const OutputLayout &layout, const InputRow &row,
+                    std::string *out);
 
 // Appends the raw output record of a row: the matcher's, or for a bad row
 // 300 blanks with E in byte 0.

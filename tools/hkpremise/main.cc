@@ -15,7 +15,7 @@
 namespace {
 
 constexpr const char *kUsage =
-    "usage: hkpremise TEXT...\n"
+    "Usage: hkpremise TEXT...\n"
     "Converts each premise number TEXT and prints the result code (0 "
     "converted,\n"
     "1 longer than 99 characters, 2 empty) and the two (value, kind) pairs.\n"
@@ -39,7 +39,10 @@ void print_row(const char *text, int width) {
 
 int main(int argc, char **argv) {
   if (argc < 2) {
-    std::fputs(kUsage, stderr);
+    std::fputs(
+        "hkpremise: no premise number TEXT given\n"
+        "Try 'hkpremise --help'.\n",
+        stderr);
     return 2;
   }
   if (std::strcmp(argv[1], "--help") == 0) {

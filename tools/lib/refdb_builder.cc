@@ -1,11 +1,11 @@
 #include "lib/refdb_builder.h"
 
-#include <sys/stat.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 #include "lib/refdb_compiler.h"
 
@@ -29,9 +29,14 @@ bool check_date(const std::string &date8, BuildError *err) {
   return true;
 }
 
-bool is_directory(const std::string &path) {
-  struct stat st;
-  return ::stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+// Makes outdir and any folder above it that is missing.
+bool make_output_dir(const std::string &outdir, BuildError *err) {
+  std::error_code ec;
+  std::filesystem::create_directories(outdir, ec);
+  if (!ec && std::filesystem::is_directory(outdir, ec)) return true;
+  if (!ec) return fail(err, 0, "output folder " + outdir + " is not a folder");
+  return fail(err, 0,
+              "cannot create output folder " + outdir + ": " + ec.message());
 }
 
 // Reads the header and every row into collector.
@@ -52,7 +57,8 @@ bool collect_rows(CsvReader *csv, RefdbCollector *collector,
   }
   if (st == CsvReader::Status::kError)
     return fail(err, csv->line(), csv->error());
-  if (stats->rows == 0) return fail(err, 2, "no data rows after the header");
+  // A header without rows makes an empty database: the matcher opens it and
+  // finds no region for any address (match status '1').
   return true;
 }
 
@@ -64,10 +70,11 @@ bool build_reference_db_from(CsvReader *csv, const std::string &outdir,
   *stats = BuildStats{};
   std::string date8 = options.date8.empty() ? today_utc_date8() : options.date8;
   if (!check_date(date8, err)) return false;
-  if (!is_directory(outdir))
-    return fail(err, 0, "output directory " + outdir + " does not exist");
   RefdbCollector collector(options.limits, options.rules, stats);
   if (!collect_rows(csv, &collector, options, stats, err)) return false;
+  // Only a CSV that compiles gets its folder made, so a failed build leaves
+  // nothing behind.
+  if (!make_output_dir(outdir, err)) return false;
   std::string error;
   if (!write_reference_db(&collector.content(), outdir, date8, stats, &error))
     return fail(err, 0, error);

@@ -19,12 +19,14 @@ struct BuildError {
   std::string message;
 };
 
-// Builds LEVEL1, LEVEL2 and BASEDATA in outdir (which must exist) from CSV
-// text, with the rows exactly as given: no content rules (see
-// refdb_rules.h), for tests and benchmarks that build odd data on purpose.
-// date8 is the 8-character header date (empty: today's UTC date as
-// YYYYMMDD). On failure returns false, fills *err and leaves no output file
-// behind (files are written under temporary names and renamed at the end).
+// Builds LEVEL1, LEVEL2 and BASEDATA in outdir (made, with any missing
+// folder above it, once the CSV has compiled) from CSV text, with the rows
+// exactly as given: no content rules (see refdb_rules.h), for tests and
+// benchmarks that build odd data on purpose. A header without rows gives an
+// empty database. date8 is the 8-character header date (empty: today's UTC
+// date as YYYYMMDD). On failure returns false, fills *err and leaves no
+// output file behind (files are written under temporary names and renamed
+// at the end).
 bool build_reference_db(std::string_view csv_text, const std::string &outdir,
                         const std::string &date8, BuildError *err);
 

@@ -30,26 +30,95 @@ public final class Address {
   private final String[] fields = new String[9];
   private boolean normalised = true;
 
+  /** An address with every field blank. */
+  public Address() {}
+
   private Address set(int field, String text) {
     fields[field] = text;
     return this;
   }
 
+  // Each setter below replaces its field; null leaves the field blank.
+
+  /**
+   * Sets the district reference code (3 characters).
+   *
+   * @param s the code, or null for none
+   * @return this address
+   */
   public Address refCode(String s) { return set(REFCODE, s); }
+
+  /**
+   * Sets the premise (house) number (8 characters), for example "22" or "9D".
+   *
+   * @param s the number as written, or null for none
+   * @return this address
+   */
   public Address premiseNumber(String s) { return set(PREMNO, s); }
+
+  /**
+   * Sets the street name (30 characters).
+   *
+   * @param s the street, or null for none
+   * @return this address
+   */
   public Address street(String s) { return set(STREET, s); }
+
+  /**
+   * Sets the building name (30 characters).
+   *
+   * @param s the building, or null for none
+   * @return this address
+   */
   public Address building(String s) { return set(BUILDING, s); }
+
+  /**
+   * Sets the extra address line (30 characters).
+   *
+   * @param s the line, or null for none
+   * @return this address
+   */
   public Address extraLine(String s) { return set(EXTRA, s); }
+
+  /**
+   * Sets the district (30 characters); tidied, it also gives the region when that is empty.
+   *
+   * @param s the district, or null for none
+   * @return this address
+   */
   public Address district(String s) { return set(DISTRICT, s); }
+
+  /**
+   * Sets the region: its key (HK, KLN, NT) or, tidied, any usual spelling of it.
+   *
+   * @param s the region, or null for none
+   * @return this address
+   */
   public Address region(String s) { return set(REGION, s); }
 
-  /** The floor and unit line of up to 30 characters (stored in pieces of 25 and 5). */
+  /**
+   * Sets the floor and unit line of up to 30 characters (stored in pieces of 25 and 5).
+   *
+   * @param s the line, or null for none
+   * @return this address
+   */
   public Address unitLine(String s) { return set(UNIT, s); }
 
-  /** The record mode byte ('1', '3', '4', 'E', 'F'); blank when not set. */
+  /**
+   * Sets the record mode byte ('1', '3', '4', 'E', 'F'); blank when not set.
+   *
+   * @param c the mode
+   * @return this address
+   */
   public Address mode(char c) { return set(MODE, String.valueOf(c)); }
 
-  /** Whether {@link #toRecord} tidies the fields (true, the default) or places them as given. */
+  /**
+   * Chooses whether {@link #toRecord} tidies the fields (true, the default) or places them as
+   * given.
+   *
+   * @param on true to tidy the fields
+   * @return this address
+   */
   public Address normalised(boolean on) {
     normalised = on;
     return this;
@@ -59,6 +128,9 @@ public final class Address {
    * The 200-byte input record. Tidied, it throws IllegalArgumentException naming the field and the
    * reason when a field cannot be tidied (characters outside Latin-1 such as Chinese, a control
    * character, more characters than the field holds).
+   *
+   * @return a new 200-byte record
+   * @throws IllegalArgumentException when a field cannot be tidied
    */
   public byte[] toRecord() {
     return normalised ? Normaliser.record(fields) : asGiven();

@@ -1,5 +1,6 @@
 package pkgs.natives;
 
+import java.nio.charset.StandardCharsets;
 import java.nio.file.Path;
 
 /**
@@ -9,6 +10,7 @@ import java.nio.file.Path;
  * try (Geocoder g = Geocoder.open(Path.of("/data/hk"))) {
  *   GeocodeResult r = g.geocode(new Address().premiseNumber("88").street("NATHAN RD").region("KLN"));
  *   if (r.isMatched()) System.out.println(r.line1() + " / " + r.line2());
+ *   GeocodeResult l = g.geocode("Flat B, 12/F, 28 Nathan Rd, TST, Kowloon");
  * }
  * }</pre>
  *
@@ -33,15 +35,26 @@ public final class Geocoder implements AutoCloseable {
     this.reportPath = reportPath;
   }
 
-  /** Opens the database in directory db with no options. */
+  /**
+   * Opens the database in directory db with no options (files read as needed, no listings).
+   *
+   * @param db the folder holding LEVEL1, LEVEL2 and BASEDATA
+   * @return the open instance; close it (try-with-resources) to release its slot and memory
+   * @throws GeocoderException when the files cannot be opened or all 200 slots are taken
+   */
   public static Geocoder open(Path db) {
     return open(db, "", null);
   }
 
   /**
-   * Opens the database in directory db. options is the open option string (for example "YM": its
-   * second character 'M' holds the files in memory); report, when not null, is the path of the
-   * accuracy statement written at close.
+   * Opens the database in directory db.
+   *
+   * @param db the folder holding LEVEL1, LEVEL2 and BASEDATA
+   * @param options the open option string (for example "YM": its second character 'M' holds the
+   *     files in memory), or null
+   * @param report the path of the accuracy statement written at close, or null for none
+   * @return the open instance; close it (try-with-resources) to release its slot and memory
+   * @throws GeocoderException when the files cannot be opened or all 200 slots are taken
    */
   public static Geocoder open(Path db, String options, Path report) {
     byte[] in = new Address().toRecord();
@@ -63,12 +76,60 @@ public final class Geocoder implements AutoCloseable {
     return g;
   }
 
-  /** Geocodes one address on this instance. */
+  /**
+   * Geocodes one address on this instance, which keeps the street table and candidates of the
+   * search for the next address.
+   *
+   * @param address the input address
+   * @return the result
+   * @throws IllegalStateException when the instance is closed
+   */
   public GeocodeResult geocode(Address address) {
     return call(address, false);
   }
 
-  /** Geocodes one address in a private copy of the instance, which stays unchanged. */
+  /**
+   * Geocodes one address written as a line of text ("Rm 1203 Times Sq 1 Matheson St Causeway Bay
+   * HK"): the library splits it into the fields of the input record (street and building names
+   * from this database), tries the likely splits through the matcher and keeps the best; the
+   * result says which split it kept ({@link GeocodeResult#split()}, {@link
+   * GeocodeResult#splitNote()}). The instance counts one record for the line.
+   *
+   * @param line the address as one line of text
+   * @return the result of the split kept
+   * @throws IllegalStateException when the instance is closed
+   * @throws IllegalArgumentException when the line is refused (empty, longer than an input record
+   *     can carry, or in characters such as Chinese that have no Latin-1 form), with the reason
+   */
+  public GeocodeResult geocode(String line) {
+    if (closed) {
+      throw new IllegalStateException("geocoder is closed");
+    }
+    byte[] in = new byte[200];
+    int[] split = new int[2];
+    byte[] text = new byte[256];
+    int status =
+        LineGeocoder.geocodeLine(
+            handle, line.getBytes(StandardCharsets.UTF_8), in, outRec, split, text);
+    int end = 0;
+    while (end < text.length && text[end] != 0) {
+      end++;
+    }
+    String said = new String(text, 0, end, StandardCharsets.UTF_8);
+    if (status != 0) {
+      throw new IllegalArgumentException(said);
+    }
+    return new GeocodeResult(outRec, in, split[0], split[1], said);
+  }
+
+  /**
+   * Geocodes one address in a private copy of the instance, which stays unchanged (its caches
+   * and counters included).
+   *
+   * @param address the input address
+   * @return the result
+   * @throws IllegalStateException when the instance is closed
+   */
   public GeocodeResult geocodeIsolated(Address address) {
     return call(address, true);
   }
@@ -102,6 +163,10 @@ public final class Geocoder implements AutoCloseable {
         && Character.toUpperCase(options.charAt(1)) == 'M';
   }
 
+  /**
+   * Closes the instance and frees its slot, writing the accuracy statement when one was asked for
+   * at open. A second close does nothing.
+   */
   @Override
   public void close() {
     if (closed) {

@@ -9,7 +9,7 @@ import java.nio.charset.StandardCharsets;
  */
 final class Normaliser {
   static {
-    System.loadLibrary("orloHKGeocoder");
+    NativeLibrary.load();
   }
 
   private Normaliser() {}

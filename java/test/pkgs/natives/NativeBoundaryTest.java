@@ -17,8 +17,8 @@ import pkgs.natives.examples.GeocodeCsv;
 /**
  * Tests of the native methods in a real virtual machine: results equal to the native batch
  * geocoder's, invalid handles, markers for bad arguments, console messages (captured from a child
- * virtual machine), the source record mapping, concurrent instances and the Address builder's
- * input normalisation.
+ * virtual machine), the source record mapping, concurrent instances, the Address builder's input
+ * normalisation and address lines.
  *
  * <p>Arguments: the sample database directory, the sample addresses CSV and the hkgeocode
  * executable. Prints "N passed, N failed" and exits non-zero on any failure.
@@ -50,6 +50,7 @@ public final class NativeBoundaryTest {
     threadsGiveIdenticalResults();
     minProcessLeavesTheInstanceCounters();
     addressesAreTidiedLikeTheBatchTool();
+    linesAreSplitAndGeocoded();
     System.out.println(passed + " passed, " + failed + " failed");
     System.exit(failed == 0 ? 0 : 1);
   }
@@ -389,5 +390,42 @@ public final class NativeBoundaryTest {
             && Normaliser.normalise(new byte[9][], new byte[10], null) == 5
             && Normaliser.normalise(new byte[3][], new byte[200], new byte[0]) == 5,
         "bad arguments give status 5, no exception");
+  }
+
+  private static void linesAreSplitAndGeocoded() {
+    try (Geocoder g = Geocoder.open(db)) {
+      GeocodeResult fielded =
+          g.geocode(new Address().premiseNumber("22").street("Castle Peak Road").region("KLN"));
+      GeocodeResult line = g.geocode("22 castle peak rd, sham shui po, kowloon");
+      check(line.isMatched() && line.refId().equals(fielded.refId()),
+          "a line finds the fielded reference: " + line.refId());
+      byte[] in = line.inputRecord();
+      check(new String(in, 18, 30, StandardCharsets.ISO_8859_1).strip().equals("CASTLE PEAK ROAD")
+              && new String(in, 133, 30, StandardCharsets.ISO_8859_1).strip()
+                  .equals("SHAM SHUI PO"),
+          "the split record is returned");
+      check(line.split() == 1 && line.splitsTried() == 1
+              && line.splitNote().startsWith("region KLN as written"),
+          "the split kept is told: " + line.split() + " " + line.splitNote());
+      check(fielded.split() == 0 && fielded.inputRecord() == null,
+          "a fielded result tells no split");
+      for (String refused : new String[] {"", "\u5f4c\u6566\u9053", "x".repeat(900)}) {
+        String reason = "";
+        try {
+          g.geocode(refused);
+        } catch (IllegalArgumentException e) {
+          reason = e.getMessage();
+        }
+        check(!reason.isEmpty(), "a refused line throws with its reason: " + reason);
+      }
+    }
+    byte[] out = new byte[300];
+    check(LineGeocoder.geocodeLine(-1, "22 Castle Peak Road".getBytes(StandardCharsets.UTF_8),
+                null, out, null, new byte[8]) == 0
+            && out[0] == 'A',
+        "a line on an invalid handle gives A");
+    check(LineGeocoder.geocodeLine(0, null, null, out, null, null) == 6
+            && LineGeocoder.geocodeLine(0, new byte[1], new byte[10], out, null, null) == 6,
+        "bad arguments give status 6, no exception");
   }
 }

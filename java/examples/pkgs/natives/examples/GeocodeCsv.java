@@ -19,8 +19,8 @@ import pkgs.natives.Geocoder;
 /**
  * Geocodes a CSV file of addresses with a pool of threads, one geocoder instance per thread.
  *
- * <p>Usage: {@code java -Djava.library.path=LIBDIR -cp orloHKGeocoder.jar
- * pkgs.natives.examples.GeocodeCsv DBDIR ADDRESSES.csv [THREADS]}. The input has the header
+ * <p>Usage: {@code java -cp orloHKGeocoder.jar pkgs.natives.examples.GeocodeCsv DBDIR
+ * ADDRESSES.csv [THREADS]}. The input has the header
  * refcode,premno,street,building,unit,extra,district,region,mode and is UTF-8 text as people
  * write it (the Address builder tidies it); the output (standard output) repeats the street and
  * region and adds the result.
@@ -28,6 +28,12 @@ import pkgs.natives.Geocoder;
 public final class GeocodeCsv {
   private GeocodeCsv() {}
 
+  /**
+   * Runs the example.
+   *
+   * @param args the database folder, the CSV file and optionally the number of threads (2)
+   * @throws Exception when the file cannot be read or a geocoding task fails
+   */
   public static void main(String[] args) throws Exception {
     if (args.length < 2) {
       System.err.println("usage: GeocodeCsv DBDIR ADDRESSES.csv [THREADS]");
@@ -68,7 +74,13 @@ public final class GeocodeCsv {
     System.err.printf("%d addresses, %d matched, %d threads%n", results.size(), matched, threads);
   }
 
-  /** Reads the addresses of a CSV file with the header above. */
+  /**
+   * Reads the addresses of a CSV file with the header above.
+   *
+   * @param csv the file
+   * @return its addresses in file order
+   * @throws IOException when the file cannot be read
+   */
   public static List<Address> readAddresses(Path csv) throws IOException {
     List<Address> list = new ArrayList<>();
     try (BufferedReader in = Files.newBufferedReader(csv, StandardCharsets.UTF_8)) {
@@ -101,7 +113,12 @@ public final class GeocodeCsv {
     return list;
   }
 
-  /** Splits one CSV line with double-quote quoting. */
+  /**
+   * Splits one CSV line with double-quote quoting.
+   *
+   * @param line the line without its end
+   * @return its fields, unquoted
+   */
   public static List<String> splitCsv(String line) {
     List<String> fields = new ArrayList<>();
     StringBuilder cur = new StringBuilder();
