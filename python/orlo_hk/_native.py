@@ -25,6 +25,16 @@ class NormFault(ctypes.Structure):
                 ("reason", ctypes.c_char * 200)]
 
 
+class LineInfo(ctypes.Structure):
+    """ORLO_LINE_INFO of orlo_lines.h."""
+    _fields_ = [("status", ctypes.c_int32), ("split", ctypes.c_int32),
+                ("tries", ctypes.c_int32), ("note", ctypes.c_char * 160),
+                ("reason", ctypes.c_char * 200)]
+
+
+LINE_OK = 0
+
+
 def candidates():
     """The places the library is looked for, in order, as (what, path):
     the path in ORLO_HK_LIBRARY alone when it is set; otherwise the
@@ -74,12 +84,21 @@ def _declare(lib):
     for name in ("orlo_return_meaning", "orlo_status_meaning"):
         getattr(lib, name).argtypes = [c.c_char]
         getattr(lib, name).restype = cp
+    lib.orlo_line_geocode.argtypes = [vp, cp, c.c_size_t, vp, vp, vp, vp,
+                                      c.POINTER(LineInfo)]
+    lib.orlo_line_geocode.restype = i32
     lib.m_street.argtypes = [cp, cp, i32, vp]
     lib.m_spllng.argtypes = [cp, cp, i32, cp]
     lib.m_tgstr.argtypes = [cp, cp, i32]
     lib.m_busnam.argtypes = [cp, cp, i32, cp]
     for name in ("m_street", "m_spllng", "m_tgstr", "m_busnam"):
         getattr(lib, name).restype = i32
+    lib.m_stprep.argtypes = [c.POINTER(cp), i32, i32, cp]
+    lib.m_stprep.restype = vp
+    lib.m_stmany.argtypes = [vp, cp, c.POINTER(i32)]
+    lib.m_stmany.restype = i32
+    lib.m_stfree.argtypes = [vp]
+    lib.m_stfree.restype = None
     return lib
 
 

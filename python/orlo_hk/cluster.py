@@ -5,7 +5,8 @@ geocoded partition by partition."""
 import os
 import threading
 
-from .frame import RESULT_NAMES, column_mapping, geocode_csv, geocode_with
+from .frame import geocode_csv, geocode_with
+from .records import RESULT_NAMES, SPLIT_NAMES
 from .geocoder import Geocoder
 
 DATABASE_FILES = ("LEVEL1", "LEVEL2", "BASEDATA")
@@ -46,24 +47,35 @@ def geocode_csv_partition(db_dir, memory, data, first_line):
         return geocode_csv(geocoder, data, first_line)
 
 
-def _geocode_frame_partition(df, db_dir, memory, columns):
+def _geocode_frame_partition(df, db_dir, memory, columns, line_column):
     geocoder, lock = worker_geocoder(db_dir, memory)
     with lock:
-        return geocode_with(geocoder, df, columns)
+        return geocode_with(geocoder, df, columns, line_column)
 
 
-def geocode_dask(ddf, db_dir, columns=None, memory=False):
+def geocode_dask(ddf, db_dir, columns=None, memory=False, line_column=None):
     """geocode_frame over a Dask DataFrame: a lazy Dask DataFrame with the
     result columns added, each partition geocoded on the worker that holds
     it with that worker process's instance. Every worker needs the
     reference files at db_dir (see check_workers)."""
     import pandas as pd
-    column_mapping(ddf.columns, columns)  # refuse bad names now, not later
-    meta = ddf._meta.copy()
-    for name in RESULT_NAMES:
+    # Bad names are refused now, on the empty frame, not on the workers.
+    meta = geocode_with(_NoGeocoder(), ddf._meta, columns, line_column)
+    for name in meta.columns[len(ddf.columns):]:
         meta[name] = pd.Series(dtype=object)
     return ddf.map_partitions(_geocode_frame_partition, db_dir, memory,
-                              columns, meta=meta)
+                              columns, line_column, meta=meta)
+
+
+class _NoGeocoder:
+    """Stands for a Geocoder on an empty frame: it is never asked to
+    geocode anything."""
+
+    def _match(self, items):
+        return []
+
+    def geocode_lines(self, lines):
+        return []
 
 
 def database_view(db_dir):

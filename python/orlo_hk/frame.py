@@ -8,7 +8,7 @@ from collections import Counter
 
 from .geocoder import BadInput, Geocoder, field_bytes
 from .records import (BAD_ROW_CODE, INPUT_FIELDS, RESULT_NAMES,
-                      bad_row_values, result_values)
+                      SPLIT_NAMES, bad_row_values, result_values)
 
 
 def geocode_rows(geocoder, rows, prepared=False):
@@ -59,26 +59,44 @@ def _values(series):
     return series.astype(object).where(series.notna(), None).tolist()
 
 
-def geocode_with(geocoder, df, columns=None):
-    """geocode_frame on an open Geocoder."""
-    mapping = column_mapping(df.columns, columns)
-    clash = [n for n in RESULT_NAMES if n in df.columns]
+def _refuse_clash(df, names):
+    clash = [n for n in names if n in df.columns]
     if clash:
         raise ValueError(f"the frame already has a result column {clash[0]!r}")
-    n = len(df)
-    # Missing values of every kind (None, NaN, pandas' NA) become None.
-    sources = [_values(df[mapping[f]]) if f in mapping else [None] * n
-               for f in INPUT_FIELDS]
-    rows = zip(*sources)
+
+
+def _add_columns(df, names, values):
+    """A copy of df with the columns names holding the rows of values."""
     result = df.copy()
-    values = geocode_rows(geocoder, rows)
-    columns = zip(*values) if values else [()] * len(RESULT_NAMES)
-    for name, column in zip(RESULT_NAMES, columns):
+    columns = zip(*values) if values else [()] * len(names)
+    for name, column in zip(names, columns):
         result[name] = list(column)
     return result
 
 
-def geocode_frame(df, db_dir, columns=None, memory=False):
+def geocode_with(geocoder, df, columns=None, line_column=None):
+    """geocode_frame on an open Geocoder."""
+    if line_column is not None:
+        if columns:
+            raise ValueError("columns= maps address fields; with line_column= "
+                             "the address is one line")
+        if line_column not in df.columns:
+            raise ValueError(f"the frame has no column {line_column!r}")
+        _refuse_clash(df, SPLIT_NAMES + RESULT_NAMES)
+        values = [r.values() for r in
+                  geocoder.geocode_lines(_values(df[line_column]))]
+        return _add_columns(df, SPLIT_NAMES + RESULT_NAMES, values)
+    mapping = column_mapping(df.columns, columns)
+    _refuse_clash(df, RESULT_NAMES)
+    n = len(df)
+    # Missing values of every kind (None, NaN, pandas' NA) become None.
+    sources = [_values(df[mapping[f]]) if f in mapping else [None] * n
+               for f in INPUT_FIELDS]
+    return _add_columns(df, RESULT_NAMES, geocode_rows(geocoder,
+                                                       zip(*sources)))
+
+
+def geocode_frame(df, db_dir, columns=None, memory=False, line_column=None):
     """Geocodes a pandas DataFrame with one column per address field
     (refcode, premno, street, building, unit, extra, district, region,
     mode; fields without a column are empty). `columns` maps a field to the
@@ -90,11 +108,18 @@ def geocode_frame(df, db_dir, columns=None, memory=False):
     ..., building_source), all text. A row whose values cannot be an input
     record (a character outside Latin-1, a field too wide, a value that is
     not text or a whole number) gets return code E and the reason in
-    return_meaning; it never stops the other rows. Raises ValueError for
-    column names that do not fit, DatabaseError when the database cannot
-    be opened."""
+    return_meaning; it never stops the other rows.
+
+    With line_column=NAME the addresses are the lines of text in that
+    column, each split and geocoded as Geocoder.geocode_line does, and the
+    split columns (split_premno ... split_note) come before the result
+    columns, as hkgeocode --lines --column NAME writes them; a refused line
+    gets return code E and the reason.
+
+    Raises ValueError for column names that do not fit, DatabaseError when
+    the database cannot be opened."""
     with Geocoder(db_dir, memory=memory) as g:
-        return geocode_with(g, df, columns)
+        return geocode_with(g, df, columns, line_column)
 
 
 # ---- CSV text in and out, as hkgeocode reads and writes it ---------------

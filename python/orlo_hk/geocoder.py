@@ -6,7 +6,7 @@ import os
 import numbers
 
 from . import _native
-from .records import INPUT_FIELDS, GeocodeResult, meaning
+from .records import INPUT_FIELDS, GeocodeResult, LineResult, meaning
 
 # Records per call of the batch routine: large enough that the crossing
 # costs nothing, small enough to bound the buffers.
@@ -123,6 +123,7 @@ class Geocoder:
         self._handle = ctypes.create_string_buffer(_native.HANDLE_SIZE)
         self._open = False
         self._normaliser = _Normaliser()
+        self._line_info = _native.LineInfo()
         self.db_dir = os.fspath(db_dir)
         paths = [os.path.join(self.db_dir, f).encode()
                  for f in ("LEVEL1", "LEVEL2", "BASEDATA")]
@@ -218,6 +219,37 @@ class Geocoder:
         if fields or address is None:
             address = dict(address or {}, **fields)
         return self.geocode_many([address])[0]
+
+    def geocode_line(self, line):
+        """Geocodes an address written as one line of text ("Flat B, 12/F,
+        22 Castle Peak Rd, Sham Shui Po"; str, or bytes in UTF-8 or
+        Latin-1) with the library's line splitter: the likely splits are
+        tried through the matcher and the best result kept. Returns a
+        LineResult with the split kept, which split it was and its note. A
+        line the splitter refuses (empty, too long, Chinese characters, a
+        control character), or a value that is not text, gives return code
+        E and the reason, not an exception. One crossing per line."""
+        if not self._open:
+            raise ValueError("the geocoder is closed")
+        try:
+            text = field_bytes("line", line)
+        except BadInput as e:
+            return LineResult(reason=str(e), status=None)
+        inrec = ctypes.create_string_buffer(_native.INREC_SIZE)
+        outrec = ctypes.create_string_buffer(_native.OUTREC_SIZE)
+        info = self._line_info
+        status = self._lib.orlo_line_geocode(self._handle, text, len(text),
+                                             inrec, outrec, None, None, info)
+        if status != _native.LINE_OK:
+            return LineResult(reason=info.reason.decode("utf-8", "replace"),
+                              status=status)
+        return LineResult(outrec.raw, None, inrec.raw, status,
+                          (info.split, info.tries,
+                           info.note.decode("utf-8", "replace")))
+
+    def geocode_lines(self, lines):
+        """geocode_line of each line, in order, as a list."""
+        return [self.geocode_line(line) for line in lines]
 
     def geocode_records(self, records, count):
         """Geocodes `count` 200-byte records laid end to end in `records`

@@ -14,6 +14,14 @@ OUT_FIELDS = {
     "unitext": (293, 5), "grade": (298, 1), "bldgsrc": (299, 1),
 }
 
+# (offset, width) of the input record's fields (the same header).
+IN_FIELDS = {
+    "filler1": (0, 7), "refcode": (7, 3), "premno": (10, 8),
+    "street": (18, 30), "bldg": (48, 30), "unit": (78, 25),
+    "extra": (103, 30), "district": (133, 30), "region": (163, 30),
+    "unitext": (193, 5), "filler2": (198, 1), "mode": (199, 1),
+}
+
 # The input fields by name, in the order orlo_norm_address takes them (and
 # of hkgeocode's input columns).
 INPUT_FIELDS = ("refcode", "premno", "street", "building", "unit", "extra",
@@ -34,6 +42,16 @@ RESULT_COLUMNS = (
     ("building_source", "bldgsrc"),
 )
 RESULT_NAMES = tuple(name for name, _ in RESULT_COLUMNS)
+
+# The columns of the split that a line was read into, named as hkgeocode
+# --lines names them: input record fields, then which split was kept, how
+# many were tried, and how the kept one read the line.
+SPLIT_FIELDS = (("split_premno", "premno"), ("split_street", "street"),
+                ("split_building", "bldg"), ("split_unit", "unit"),
+                ("split_extra", "extra"), ("split_district", "district"),
+                ("split_region", "region"))
+SPLIT_NAMES = tuple(name for name, _ in SPLIT_FIELDS) + \
+    ("split", "splits_tried", "split_note")
 
 # The return code of a row that was not processed because its values could
 # not make an input record.
@@ -88,12 +106,30 @@ def bad_row_values(reason):
         [""] * (len(RESULT_COLUMNS) - 2)
 
 
+def split_values(inrec, split, tries, note):
+    """The split columns of a line's kept split, in SPLIT_NAMES order: the
+    fields of its input record without trailing blanks (the unit line with
+    its continuation), the split's number, the splits tried and the note."""
+    s = inrec.decode("latin-1")
+    values = []
+    for _, field in SPLIT_FIELDS:
+        off, width = IN_FIELDS[field]
+        text = s[off:off + width]
+        if field == "unit":
+            off, width = IN_FIELDS["unitext"]
+            text += s[off:off + width]
+        values.append(text.rstrip(" "))
+    return values + [str(split), str(tries), note]
+
+
 class GeocodeResult:
     """The result of one address: every result column as an attribute (the
     names of hkgeocode's columns: return_code, return_meaning, match_status,
     line1, line2, ref_code, ...), and `record`, the 300-byte output record
     (None for a bad input). Values are decoded when first read."""
     __slots__ = ("record", "reason", "_values")
+    NAMES = RESULT_NAMES
+    _INDEX = {name: i for i, name in enumerate(NAMES)}
 
     def __init__(self, record=None, reason=None):
         self.record = record
@@ -101,14 +137,17 @@ class GeocodeResult:
         self._values = None
 
     def values(self):
-        """The result columns in order, as a list of strings."""
+        """The columns (NAMES) in order, as a list of strings."""
         if self._values is None:
-            self._values = (bad_row_values(self.reason) if self.record is None
-                            else result_values(self.record))
+            self._values = self._decode()
         return self._values
 
+    def _decode(self):
+        return (bad_row_values(self.reason) if self.record is None
+                else result_values(self.record))
+
     def as_dict(self):
-        return dict(zip(RESULT_NAMES, self.values()))
+        return dict(zip(self.NAMES, self.values()))
 
     @property
     def bad(self):
@@ -128,20 +167,55 @@ class GeocodeResult:
 
     def __getattr__(self, name):
         try:
-            index = RESULT_NAMES.index(name)
-        except ValueError:
+            index = self._INDEX[name]
+        except KeyError:
             raise AttributeError(name) from None
         return self.values()[index]
 
+    def _key(self):
+        return self.record, self.reason
+
     def __eq__(self, other):
-        return isinstance(other, GeocodeResult) and \
-            (self.record, self.reason) == (other.record, other.reason)
+        return type(other) is type(self) and self._key() == other._key()
+
+    _SHOWN = ("return_code", "match_status", "line1", "line2", "ref_code",
+              "ref_id")
 
     def __repr__(self):
         v = self.as_dict()
-        shown = ", ".join(f"{k}={v[k]!r}" for k in
-                          ("return_code", "match_status", "line1", "line2",
-                           "ref_code", "ref_id") if v[k])
+        shown = ", ".join(f"{k}={v[k]!r}" for k in self._SHOWN if v[k])
         if self.bad:
             shown += f", reason={self.reason!r}"
-        return f"GeocodeResult({shown})"
+        return f"{type(self).__name__}({shown})"
+
+
+class LineResult(GeocodeResult):
+    """The result of an address written as one line: the split columns
+    (split_premno ... split_region, split, splits_tried, split_note, as
+    hkgeocode --lines writes them) and then the result columns, all as
+    attributes; `input_record`, the 200-byte record of the split kept (None
+    when the line was refused); `status`, the splitter's outcome (0, or the
+    status of orlo_lines.h that says why the line was refused, with the
+    reason in `reason` and return code E; None when the value given was not
+    text)."""
+    __slots__ = ("input_record", "status", "_split")
+    NAMES = SPLIT_NAMES + RESULT_NAMES
+    _INDEX = {name: i for i, name in enumerate(NAMES)}
+    _SHOWN = ("split_premno", "split_street", "split_building",
+              "split_region", "split") + GeocodeResult._SHOWN
+
+    def __init__(self, record=None, reason=None, input_record=None,
+                 status=0, split=(0, 0, "")):
+        super().__init__(record, reason)
+        self.input_record = input_record
+        self.status = status
+        self._split = split  # (split kept, splits tried, note)
+
+    def _decode(self):
+        if self.record is None:
+            return [""] * len(SPLIT_NAMES) + bad_row_values(self.reason)
+        return split_values(self.input_record, *self._split) + \
+            result_values(self.record)
+
+    def _key(self):
+        return self.record, self.reason, self.input_record, self._split

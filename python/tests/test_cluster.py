@@ -85,6 +85,13 @@ def test_dask_frame_one_instance_per_worker(cluster):
         got = orlo_hk.geocode_dask(dd.from_pandas(frame, npartitions=parts),
                                    SAMPLE_DB).compute()
         pd.testing.assert_frame_equal(got, want)
+    # Lines of text, as the sample's fields written out in one.
+    lines = pd.DataFrame({"line": frame["premno"] + " " + frame["street"] +
+                          ", " + frame["district"]})
+    got = orlo_hk.geocode_dask(dd.from_pandas(lines, npartitions=4),
+                               SAMPLE_DB, line_column="line").compute()
+    pd.testing.assert_frame_equal(
+        got, orlo_hk.geocode_frame(lines, SAMPLE_DB, line_column="line"))
     # Every partition used the instance its worker process had opened.
     assert list(client.run(open_count).values()) == [1, 1]
 

@@ -125,6 +125,47 @@ def test_frame_bad_values_and_names():
         orlo_hk.geocode_frame(out, SAMPLE_DB)
 
 
+def test_lines_equal_hkgeocode_lines_row_for_row(tmp_path, geocoder):
+    lines = tmp_path / "lines.csv"
+    lines.write_text(
+        "id,address\n"
+        '1,"Flat B, 12/F, 22 Castle Peak Rd, Sham Shui Po, Kowloon"\n'
+        "2,22 Nathan Road\n"
+        "3,5 nanking street yau ma tei\n"
+        "4,\n"
+        "5,彌敦道\n"
+        "6,ＲＭ 1203 23 ＷＨＩＴＦＩＥＬＤ ＲＤ\n"
+        f"7,{'9 ' * 300}\n", encoding="utf-8")
+    r = run([tool("hkgeocode"), "--quiet", "--lines", "--column", "address",
+             "--db", SAMPLE_DB, str(lines)])
+    assert r.returncode == 1, r.stderr
+    want = pd.read_csv(io.BytesIO(r.stdout), dtype=str,
+                       keep_default_na=False)
+    given = pd.read_csv(lines, dtype=str, keep_default_na=False)
+    got = orlo_hk.geocode_frame(given, SAMPLE_DB, line_column="address")
+    pd.testing.assert_frame_equal(got, want)
+    assert list(got["return_code"]) == ["1", "0", "1", "E", "E", "1", "E"]
+
+    # The result keeps the record of the split it used; a refused line or a
+    # value that is not text is an E result, never an exception.
+    r = geocoder.geocode_line(given["address"][0])
+    assert r.input_record[78:103].rstrip() == b"FLAT B 12/F"
+    assert (r.status, r.split, r.matched) == (0, "1", True)
+    for line, status, reason in [
+            ("", 1, "no letter or digit"), ("彌敦道", 3, "U+5F4C"),
+            (b"22 NATHAN\x00ROAD", 4, ""), (["22 NATHAN ROAD"], None,
+                                              "list")]:
+        r = geocoder.geocode_line(line)
+        assert (r.return_code, r.status, r.input_record, r.split) == \
+            ("E", status, None, ""), line
+        assert reason in r.reason and r.return_meaning.endswith(r.reason)
+    with pytest.raises(ValueError, match="with line_column= the address"):
+        orlo_hk.geocode_frame(given, SAMPLE_DB, line_column="address",
+                              columns={"street": "address"})
+    with pytest.raises(ValueError, match="already has a result column"):
+        orlo_hk.geocode_frame(got, SAMPLE_DB, line_column="address")
+
+
 def test_database_that_cannot_be_opened(tmp_path):
     only_basedata = tmp_path / "partial"
     only_basedata.mkdir()
@@ -170,10 +211,18 @@ def test_comparison_toolkit():
     for fn, texts, want in cases:
         assert fn(*texts) == want, (fn.__name__, texts)
     assert orlo_hk.m_street("NATHAN ROAD", "QUEENSWAY") < 90
+    # Prepared names score as m_street scores each pair, street after
+    # street; and a street wider than the set is refused.
     names = ["NATHAN RD", "NATHAN ROAD", "CANTON ROAD", "N", "X" * 40]
-    assert orlo_hk.m_street_many("NATHAN ROAD", names) == \
-        [orlo_hk.m_street("NATHAN ROAD".ljust(40), n.ljust(40))
-         for n in names]
+    with orlo_hk.StreetNames(names) as prepared:
+        for street in ("NATHAN ROAD", "CANTON RD", "1ST ST", ""):
+            assert prepared.scores(street) == \
+                [orlo_hk.m_street(street.ljust(40), n.ljust(40))
+                 for n in names], street
+        with pytest.raises(ValueError, match="wider than the names' 40"):
+            prepared.scores("Y" * 41)
+    assert orlo_hk.m_street_many("NATHAN ROAD", names[:3]) == \
+        [orlo_hk.m_street("NATHAN ROAD", n) for n in names[:3]]
     with pytest.raises(ValueError, match="Latin-1"):
         orlo_hk.m_street("彌敦道", "NATHAN ROAD")
 
@@ -181,11 +230,12 @@ def test_comparison_toolkit():
 def test_output_layout_is_the_headers():
     with open(os.path.join(SOURCE, "include", "orlo_records.h")) as f:
         text = f.read()
-    offsets = dict(re.findall(r"HKOUT_(\w+)_OFF = (\d+)", text))
-    widths = dict(re.findall(r"HKOUT_(\w+)_LEN = (\d+)", text))
-    from_header = {k.lower(): (int(offsets[k]), int(widths[k]))
-                   for k in offsets}
-    assert records.OUT_FIELDS == from_header
+    for record, fields in (("OUT", records.OUT_FIELDS),
+                           ("IN", records.IN_FIELDS)):
+        offsets = dict(re.findall(rf"HK{record}_(\w+)_OFF = (\d+)", text))
+        widths = dict(re.findall(rf"HK{record}_(\w+)_LEN = (\d+)", text))
+        assert fields == {k.lower(): (int(offsets[k]), int(widths[k]))
+                          for k in offsets}, record
 
 
 def test_command_help():
