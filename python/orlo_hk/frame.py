@@ -6,7 +6,7 @@ import io
 import re
 from collections import Counter
 
-from .geocoder import BadInput, Geocoder, field_bytes
+from .geocoder import BadInput, Geocoder, encode_fields
 from .records import (BAD_ROW_CODE, INPUT_FIELDS, RESULT_NAMES,
                       SPLIT_NAMES, bad_row_values, result_values)
 
@@ -26,8 +26,7 @@ def geocode_rows(geocoder, rows, prepared=False):
                          else list(values))
             continue
         try:
-            items.append([field_bytes(name, v)
-                          for name, v in zip(INPUT_FIELDS, values)])
+            items.append(encode_fields(values))
         except BadInput as e:
             items.append(e)
     return [result_values(record) if record is not None
@@ -89,8 +88,9 @@ def geocode_with(geocoder, df, columns=None, line_column=None):
     mapping = column_mapping(df.columns, columns)
     _refuse_clash(df, RESULT_NAMES)
     n = len(df)
-    # Missing values of every kind (None, NaN, pandas' NA) become None.
-    sources = [_values(df[mapping[f]]) if f in mapping else [None] * n
+    # Missing values of every kind (None, NaN, pandas' NA) become None, and
+    # empty fields, as fields without a column are.
+    sources = [_values(df[mapping[f]]) if f in mapping else [""] * n
                for f in INPUT_FIELDS]
     return _add_columns(df, RESULT_NAMES, geocode_rows(geocoder,
                                                        zip(*sources)))

@@ -1,12 +1,18 @@
 """One open geocoder instance, and the input records made from what people
 write."""
 import ctypes
+import itertools
 import math
-import os
 import numbers
+import operator
+import os
+from array import array
 
 from . import _native
 from .records import INPUT_FIELDS, GeocodeResult, LineResult, meaning
+
+# The array type code of a pointer and of a size_t on this machine.
+_WORD = "Q" if ctypes.sizeof(ctypes.c_void_p) == 8 else "I"
 
 # Records per call of the batch routine: large enough that the crossing
 # costs nothing, small enough to bound the buffers.
@@ -80,11 +86,20 @@ class _Normaliser:
         call: (their 200-byte records end to end, and for each row None or
         a BadInput with the reason it could not be tidied)."""
         flat = [v for row in rows for v in row]
-        texts = (ctypes.c_char_p * len(flat))(*flat)
-        lengths = (ctypes.c_size_t * len(flat))(*map(len, flat))
+        # The fields laid end to end in one buffer, and the pointer and
+        # length arrays filled from plain integer arrays: filling ctypes
+        # arrays element by element costs more than the tidying itself.
+        blob = b"".join(flat)
+        base = ctypes.cast(ctypes.c_char_p(blob), ctypes.c_void_p).value
+        lengths = array(_WORD, map(len, flat))
+        starts = array(_WORD, itertools.accumulate(lengths, initial=base))
+        starts.pop()
+        texts = (ctypes.c_char_p * len(flat)).from_buffer(starts)
         records = ctypes.create_string_buffer(len(rows) * _native.INREC_SIZE)
         statuses = (ctypes.c_int32 * len(rows))()
-        self._lib.orlo_norm_many(texts, lengths, len(rows), records, statuses)
+        self._lib.orlo_norm_many(
+            texts, (ctypes.c_size_t * len(flat)).from_buffer(lengths),
+            len(rows), records, statuses)
         faults = [None] * len(rows)
         for i, status in enumerate(statuses):
             if status != 0:  # rare: ask again, alone, for the reason
@@ -98,13 +113,35 @@ class _Normaliser:
 _FIELD_NAMES = frozenset(INPUT_FIELDS)
 
 
+def encode_fields(values):
+    """The bytes of the nine field values of an address (INPUT_FIELDS
+    order; see field_bytes). Raises BadInput."""
+    # The common case, every value text, is encoded in one call and split
+    # again at the NULs put between the fields (a NUL inside a field takes
+    # the general path, and the library refuses it).
+    try:
+        joined = "\0".join(values)
+    except TypeError:  # a value that is not text
+        pass
+    else:
+        if joined.count("\0") == len(INPUT_FIELDS) - 1:
+            return joined.encode("utf-8", "surrogateescape").split(b"\0")
+    return [field_bytes(name, v) for name, v in zip(INPUT_FIELDS, values)]
+
+
+_ALL_FIELDS = operator.itemgetter(*INPUT_FIELDS)
+
+
 def _fields_of(mapping):
-    unknown = mapping.keys() - _FIELD_NAMES
-    if unknown:
-        raise ValueError(f"unknown address field {sorted(unknown)[0]!r}; the "
-                         f"fields are {', '.join(INPUT_FIELDS)}")
-    get = mapping.get
-    return [field_bytes(name, get(name)) for name in INPUT_FIELDS]
+    if not mapping.keys() <= _FIELD_NAMES:
+        unknown = sorted(mapping.keys() - _FIELD_NAMES)[0]
+        raise ValueError(f"unknown address field {unknown!r}; the fields are "
+                         f"{', '.join(INPUT_FIELDS)}")
+    try:
+        values = _ALL_FIELDS(mapping)
+    except KeyError:  # fields left out are empty
+        values = [mapping.get(name) for name in INPUT_FIELDS]
+    return encode_fields(values)
 
 
 class Geocoder:
@@ -193,23 +230,25 @@ class Geocoder:
         size = _native.OUTREC_SIZE
         results = []
         for start in range(0, len(items), BATCH_RECORDS):
-            chunk = list(items[start:start + BATCH_RECORDS])
-            tidy = [k for k, item in enumerate(chunk) if isinstance(item, list)]
+            chunk = items[start:start + BATCH_RECORDS]
+            tidy = [k for k, item in enumerate(chunk) if type(item) is list]
             if tidy:
+                chunk = list(chunk)
                 records, faults = self._normaliser.many([chunk[k]
                                                          for k in tidy])
                 for j, k in enumerate(tidy):
                     chunk[k] = faults[j] or records[j * _native.INREC_SIZE:
                                                     (j + 1) *
                                                     _native.INREC_SIZE]
-            good = [k for k, item in enumerate(chunk)
-                    if not isinstance(item, BadInput)]
-            out = self.geocode_records(b"".join(chunk[k] for k in good),
-                                       len(good))
-            done = [(None, str(item)) for item in chunk]
-            for j, k in enumerate(good):
-                done[k] = (out[j * size:(j + 1) * size], None)
-            results.extend(done)
+            good = [item for item in chunk if type(item) is bytes]
+            out = self.geocode_records(b"".join(good), len(good))
+            at = 0
+            for item in chunk:
+                if type(item) is bytes:
+                    results.append((out[at:at + size], None))
+                    at += size
+                else:
+                    results.append((None, str(item)))
         return results
 
     def geocode(self, address=None, **fields):
