@@ -59,6 +59,16 @@ extern "C" int32_t cm_rhtadj(char *field, int32_t len) {
 }
 
 extern "C" int32_t cm_lftpck(char *field, int32_t len) {
+  if (orlo::fits_fixed_area(len)) {
+    // In place: each byte is written at or before the place it is read
+    // from. An all-blank field stays as it is.
+    int32_t n = 0;
+    for (int32_t i = 0; i < len; ++i) {
+      if (!orlo::is_blank(field[i])) field[n++] = field[i];
+    }
+    if (n > 0) std::memset(field + n, ' ', static_cast<size_t>(len - n));
+    return n;
+  }
   return with_blank_work_area(len, ' ', [&](char *work) {
     int32_t n = 0;
     for (int32_t i = 0; i < len; ++i) {

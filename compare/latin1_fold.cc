@@ -17,7 +17,16 @@ constexpr LetterFold kFolds[] = {
     {0xD8, "OE"}, {0xDC, "UE"}, {0xDF, "SS"},
 };
 
+// The lowest byte folded: every byte below it stays, which most text shows
+// at the first test.
+constexpr unsigned char kFirstFolded = [] {
+  unsigned char low = 0xFF;
+  for (const LetterFold &f : kFolds) low = f.from < low ? f.from : low;
+  return low;
+}();
+
 const char *fold_of(unsigned char byte) {
+  if (byte < kFirstFolded) return nullptr;
   for (const LetterFold &f : kFolds) {
     if (f.from == byte) return f.to;
   }
@@ -28,11 +37,18 @@ const char *fold_of(unsigned char byte) {
 
 void fold_latin1_letters(char *field, int32_t len) {
   if (len <= 0 || len > kFoldMaxLen) return;
-  // Every byte expands to at most two, so twice the longest field suffices.
+  // Most fields hold no letter to fold: find the first before copying.
+  int32_t first = 0;
+  while (first < len &&
+         fold_of(static_cast<unsigned char>(field[first])) == nullptr) {
+    ++first;
+  }
+  if (first == len) return;
+  // From there every byte expands to at most two, so twice the longest
+  // field suffices; what is written beyond len is cut off.
   char scratch[2 * kFoldMaxLen];
-  std::memset(scratch, ' ', sizeof scratch);
   int32_t out = 0;
-  for (int32_t i = 0; i < len; ++i) {
+  for (int32_t i = first; i < len && out < len - first; ++i) {
     const char *pair = fold_of(static_cast<unsigned char>(field[i]));
     if (pair != nullptr) {
       scratch[out++] = pair[0];
@@ -41,7 +57,7 @@ void fold_latin1_letters(char *field, int32_t len) {
       scratch[out++] = field[i];
     }
   }
-  std::memcpy(field, scratch, static_cast<size_t>(len));
+  std::memcpy(field + first, scratch, static_cast<size_t>(len - first));
 }
 
 }  // namespace orlo

@@ -1,6 +1,7 @@
 // The batch geocoder's input reader on arbitrary bytes: the first byte
-// chooses raw 200-byte records, CSV placed as given (--raw) or CSV tidied
-// by the input normalisation; the rest is the input file. Every row read is
+// chooses raw 200-byte records, CSV placed as given (--raw), CSV tidied
+// by the input normalisation, or address lines (plain, or the column
+// "line" of a CSV file); the rest is the input file. Every row read is
 // either a good 200-byte record or a bad row with a reason; rows come in
 // input order. A raw or as-given record is printable ASCII and an as-given
 // CSV row has its nine fields, each standing in the record as it was given;
@@ -20,6 +21,7 @@
 namespace {
 
 using orlo::tools::hkgeocode::InputRow;
+using orlo::tools::hkgeocode::make_record;
 using orlo::tools::hkgeocode::RowSource;
 
 void check_record(const std::string &rec) {
@@ -66,29 +68,50 @@ void check_row(const InputRow &row, bool fixed, bool raw, long previous_line) {
 
 }  // namespace
 
+// A plain line holds no line end; a quoted CSV field may.
+void check_line(const InputRow &row, bool plain, long previous_line) {
+  if (row.line <= previous_line) __builtin_trap();
+  if (row.bad()) return;  // malformed CSV, or a row without the column
+  if (!row.is_line) __builtin_trap();
+  if (plain && row.address.find('\n') != std::string::npos) __builtin_trap();
+}
+
+RowSource make_source(std::FILE *in, uint8_t choice) {
+  if (choice & 4) return RowSource::lines(in, choice & 8 ? "line" : "");
+  return RowSource(in, choice & 1);
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   if (size == 0) return 0;
-  bool fixed = data[0] & 1;
-  bool raw = data[0] & 2;
+  const bool lines = data[0] & 4;
+  const bool fixed = !lines && (data[0] & 1);
+  const bool raw = data[0] & 2;
   std::string text(reinterpret_cast<const char *>(data) + 1, size - 1);
   // fmemopen cannot open an empty buffer; an empty input is /dev/null.
   std::FILE *in = text.empty() ? std::fopen("/dev/null", "r")
                                : fmemopen(text.data(), text.size(), "r");
   if (in == nullptr) return 0;
   {
-    RowSource source(in, fixed, raw);
+    RowSource source = make_source(in, data[0]);
     std::string error;
     if (!source.start(&error)) {
       if (error.empty() || fixed) __builtin_trap();
     } else {
       std::vector<InputRow> rows;
       long line = 0;
-      while (source.read_batch(7, &rows) > 0) {
-        for (const InputRow &row : rows) {
-          check_row(row, fixed, raw, line);
+      for (size_t n; (n = source.read_batch(7, &rows)) > 0;) {
+        for (size_t i = 0; i < n; ++i) {
+          InputRow &row = rows[i];
+          if (lines) {
+            check_line(row, !(data[0] & 8), line);
+          } else {
+            // CSV rows get their records where hkgeocode's workers make
+            // them; raw records come with theirs.
+            if (!fixed && !row.bad()) make_record(&row, raw);
+            check_row(row, fixed, raw, line);
+          }
           line = row.line;
         }
-        rows.clear();
       }
     }
   }
