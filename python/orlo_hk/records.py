@@ -1,5 +1,7 @@
 """The 300-byte output record read into named fields, under the column names
 that hkgeocode gives them, and the result object built on it."""
+import operator
+
 from . import _native
 
 # (offset, width) of the output record's fields, as include/orlo_records.h
@@ -75,14 +77,19 @@ def meaning(kind, code):
     return known[code]
 
 
-# The slices of the decoded record that the result columns show, in order,
-# without the two meanings (inserted after the code they explain) and with
-# the unit line as the unit field only (its continuation is added after).
-_UNIT_AT = [f for _, f in RESULT_COLUMNS if f is not None].index("unit")
-_SLICES = tuple((OUT_FIELDS[f][0], OUT_FIELDS[f][0] + OUT_FIELDS[f][1])
-                for _, f in RESULT_COLUMNS if f is not None)
-_UNITEXT = slice(OUT_FIELDS["unitext"][0],
-                 OUT_FIELDS["unitext"][0] + OUT_FIELDS["unitext"][1])
+def _slice(field):
+    off, width = OUT_FIELDS[field]
+    return slice(off, off + width)
+
+
+# The slice of the decoded record that each result column shows, in order;
+# the two meanings take an empty slice (they are looked up), and the unit
+# line is put together from its two fields.
+_PICK = operator.itemgetter(*(_slice(f) if f is not None else slice(0, 0)
+                              for _, f in RESULT_COLUMNS))
+_UNIT_AT = [f for _, f in RESULT_COLUMNS].index("unit")
+_UNIT, _UNITEXT = _slice("unit"), _slice("unitext")
+_MATCHSTAT = OUT_FIELDS["matchstat"][0]
 
 
 def result_values(rec):
@@ -90,12 +97,10 @@ def result_values(rec):
     fields without their trailing blanks, the unit line whole (its 25
     characters joined with the 5 of unitext)."""
     s = rec.decode("latin-1")
-    values = [s[a:b] for a, b in _SLICES]
-    values[_UNIT_AT] += s[_UNITEXT]
-    values = [v.rstrip(" ") for v in values]
-    rc, ms = s[0], s[OUT_FIELDS["matchstat"][0]]
-    values.insert(1, meaning("R", rc))
-    values.insert(3, meaning("M", ms))
+    values = [v.rstrip(" ") for v in _PICK(s)]
+    values[_UNIT_AT] = (s[_UNIT] + s[_UNITEXT]).rstrip(" ")
+    values[1] = meaning("R", s[0])
+    values[3] = meaning("M", s[_MATCHSTAT])
     return values
 
 
