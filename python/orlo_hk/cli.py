@@ -1,6 +1,7 @@
 """python3 -m orlo_hk geocode: a CSV file of addresses geocoded on a Dask
 cluster, written in input order with hkgeocode's columns."""
 import argparse
+import itertools
 import logging
 import os
 import sys
@@ -50,7 +51,8 @@ Options:
                        number of cores); with --scheduler, wait until the
                        cluster has N workers before starting (default 1)
   --memory             hold LEVEL2 and BASEDATA in memory on each worker
-  --partition-rows N   rows per partition (default 10000)
+  --partition-rows N   lines per partition (default 10000), and the lines
+                       that finish a row left open by a quoted line end
   --quiet              no progress line
   --help               this text
 
@@ -145,24 +147,25 @@ def read_header(f, name):
 
 
 def partitions(f, rows_each):
-    """(first line number, bytes of up to rows_each whole CSV rows) after the
-    header. A row ends at a line end outside quotes, so a quoted field may
-    hold line ends."""
+    """(first line number, bytes of whole CSV rows) after the header: each
+    partition rows_each lines, and the lines that finish a row whose quoted
+    field goes on past the last of them (a row ends at a line end outside
+    quotes). The lines are taken as a block: quotes come in pairs in whole
+    rows, so an odd count means the last row is still open."""
     line_no = 2
-    start, chunk, rows, quotes = line_no, [], 0, 0
-    for line in f:
-        chunk.append(line)
-        line_no += 1
-        quotes += line.count(b'"')
-        if quotes % 2:
-            continue  # the row goes on past this line end
-        quotes = 0
-        rows += 1
-        if rows == rows_each:
-            yield start, b"".join(chunk)
-            start, chunk, rows = line_no, [], 0
-    if chunk:
-        yield start, b"".join(chunk)
+    while True:
+        lines = list(itertools.islice(f, rows_each))
+        if not lines:
+            return
+        data = b"".join(lines)
+        if data.count(b'"') % 2:
+            for line in f:
+                lines.append(line)
+                if line.count(b'"') % 2:
+                    break  # the quote that closes the open field
+            data = b"".join(lines)
+        yield line_no, data
+        line_no += len(lines)
 
 
 # ---- the cluster ----------------------------------------------------------
@@ -173,8 +176,12 @@ def connect(args):
     logging.getLogger("distributed").setLevel(logging.ERROR)
     warnings.filterwarnings("ignore", module="distributed")
     if args.scheduler == "local":
-        # The dashboard on any free port, so that runs side by side do not
-        # fight over the usual one.
+        # Partitions go between processes of one machine: compressing them
+        # would cost CPU and save nothing. The workers take this setting
+        # from here. The dashboard goes on any free port, so that runs side
+        # by side do not fight over the usual one.
+        import dask
+        dask.config.set({"distributed.comm.compression": None})
         cluster = LocalCluster(n_workers=args.workers or os.cpu_count() or 1,
                                threads_per_worker=1, processes=True,
                                dashboard_address=":0",

@@ -238,6 +238,28 @@ def test_output_layout_is_the_headers():
                           for k in offsets}, record
 
 
+def test_partitions_are_whole_rows_in_order():
+    from orlo_hk.cli import partitions
+    rows = [b",1,A ROAD,,,,,HK,\n", b',2,"B\nROAD",,,,,HK,\n',
+            b',3,"C ""X""\n\nROAD",,,,,HK,\n', b",4,D ROAD,,,,,HK,\n",
+            b',5,"E\nROAD,,,,,HK,\n']  # the last quote is never closed
+    text = b"".join(rows)
+    for each in (1, 2, 3, 100):
+        parts = list(partitions(io.BytesIO(text), each))
+        assert b"".join(data for _, data in parts) == text, each
+        line = 2
+        for first, data in parts:
+            # Starts where the last one ended, and ends at the end of a row
+            # (or of the input).
+            assert first == line, each
+            assert any(text.startswith(b"".join(rows[:k]) + data)
+                       for k in range(len(rows))), (each, data)
+            line += data.count(b"\n")
+    # One line a partition: the rows that span lines stay whole.
+    assert [d.count(b"\n") for _, d in partitions(io.BytesIO(text), 1)] == \
+        [1, 2, 3, 1, 2]
+
+
 def test_command_help():
     r = run([sys.executable, "-m", "orlo_hk", "--help"], text=True)
     assert r.returncode == 0
