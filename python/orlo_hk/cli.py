@@ -170,18 +170,30 @@ def partitions(f, rows_each):
 
 # ---- the cluster ----------------------------------------------------------
 
+# Settings of the local cluster, which the workers take from this process.
+# Partitions go between processes of one machine, so compressing them
+# costs CPU and saves nothing. Dask's sampling profiler (100 stack samples
+# a second in each worker, shown by the dashboard) and its event loop and
+# system checks cost an idle cluster about a tenth of a core; fewer of
+# them leave that to the geocoding.
+LOCAL_CLUSTER_CONFIG = {
+    "distributed.comm.compression": None,
+    "distributed.worker.profile.enabled": False,
+    "distributed.admin.tick.interval": "1s",
+    "distributed.admin.system-monitor.interval": "2s",
+}
+
+
 def connect(args):
     """The client, and the local cluster when one was started."""
     from distributed import Client, LocalCluster
     logging.getLogger("distributed").setLevel(logging.ERROR)
     warnings.filterwarnings("ignore", module="distributed")
     if args.scheduler == "local":
-        # Partitions go between processes of one machine: compressing them
-        # would cost CPU and save nothing. The workers take this setting
-        # from here. The dashboard goes on any free port, so that runs side
-        # by side do not fight over the usual one.
         import dask
-        dask.config.set({"distributed.comm.compression": None})
+        dask.config.set(LOCAL_CLUSTER_CONFIG)
+        # The dashboard goes on any free port, so that runs side by side do
+        # not fight over the usual one.
         cluster = LocalCluster(n_workers=args.workers or os.cpu_count() or 1,
                                threads_per_worker=1, processes=True,
                                dashboard_address=":0",
