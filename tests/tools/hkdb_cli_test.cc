@@ -88,7 +88,9 @@ TEST_F(HkdbCli, DamagedDatabaseFailsCheckAndIsNotDumped) {
 
   ToolRun dumped = hkdb("dump " + db + " --out " + path("dump.csv"));
   EXPECT_EQ(dumped.status, 1);
-  EXPECT_TRUE(has(dumped.err, "record length 2")) << dumped.err;
+  EXPECT_TRUE(has(dumped.err,
+                  "hkdb dump: " + db + "/BASEDATA offset 8: record length 2"))
+      << dumped.err;
   EXPECT_FALSE(file_exists(path("dump.csv")));
 
   ToolRun absent = hkdb("check " + path("nowhere"));

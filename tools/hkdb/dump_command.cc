@@ -29,9 +29,11 @@ int run_dump(const std::string &dbdir, const std::string &out_path) {
     return data_error("dump", error);
   CheckReport report = check_reference_images(images, kFaultsShown);
   if (report.fault_count > 0) {
+    // Each fault names its file, here with the folder it lies in.
     for (const CheckFault &f : report.faults)
-      std::fprintf(stderr, "%s\n", format_fault(f).c_str());
-    return data_error("dump", "the database has " +
+      std::fprintf(stderr, "hkdb dump: %s/%s\n", dbdir.c_str(),
+                   format_fault(f).c_str());
+    return data_error("dump", dbdir + ": the database has " +
                                   counted(report.fault_count, "fault") +
                                   "; not dumped (hkdb check lists them)");
   }

@@ -162,8 +162,9 @@ bool close_instances(const Options &o,
   if (code == HKRC_OK) return true;
   std::string_view why = return_code_meaning(code);
   std::fprintf(stderr,
-               "hkgeocode: the accuracy statement was not written: %.*s\n",
-               static_cast<int>(why.size()), why.data());
+               "hkgeocode: the accuracy statement was not written to %s: "
+               "%.*s\n",
+               o.report_path.c_str(), static_cast<int>(why.size()), why.data());
   char rec[HKOUTREC_SIZE] = {code};
   hk_doem(rec);
   return false;
