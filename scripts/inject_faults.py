@@ -1,0 +1,310 @@
+#!/usr/bin/python3
+"""Measures how many plausible library faults the test suite catches.
+
+Each fault below is one small edit of a library source (a bound off by one,
+a wrong return code, a flipped comparison, a changed table entry, a removed
+check, a counter left alone). The script copies the checkout into a scratch
+tree (build/faults/src; the checkout itself is never modified), builds it once
+in build/faults/build, then for every fault applies the edit, rebuilds
+incrementally, runs the suite under CTest (without the slow install and
+package tests) and puts the file back. It prints, per fault, whether any test
+failed and which, and a total; the same report goes to build/faults/report.txt.
+
+  scripts/inject_faults.py              run every fault
+  scripts/inject_faults.py --only a,b   run the named faults
+  scripts/inject_faults.py --list       list the faults
+Exit status: 0 when the baseline passes and every fault ran, 1 otherwise.
+"""
+import argparse
+import os
+import re
+import shutil
+import subprocess
+import sys
+import time
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+WORK = os.path.join(ROOT, "build", "faults")
+SRC = os.path.join(WORK, "src")
+BUILD = os.path.join(WORK, "build")
+# The tool tests belong to the tools; they are reported apart so that the
+# power of the library's own tests can be followed on its own.
+TOOL_TESTS = "tests/tools/"
+
+# (name, file, text to find (exactly once), replacement, what goes wrong)
+FAULTS = [
+    ("squeeze-empty", "common/squeeze.h",
+     "if (!seen_text) return 0;", "if (!seen_text) return 1;",
+     "an all-blank field reports length 1"),
+    ("lftpck-single", "common/justify.cc",
+     "if (n > 0) std::memcpy(field, work", "if (n > 1) std::memcpy(field, work",
+     "a field with one character is not packed"),
+    ("wide-blank", "common/wide_justify.cc",
+     "return u == kSpace || u == kIdeographicSpace;", "return u == kSpace;",
+     "the ideographic space is not a blank"),
+    ("string-one-off", "compare/string_compare.cc",
+     "diff == 1) return 95;", "diff == 1) return 90;",
+     "a prefix one letter short scores 90"),
+    ("string-empty", "compare/string_compare.cc",
+     "if (lena == 0 || lenb == 0) return 80;",
+     "if (lena == 0 || lenb == 0) return 90;", "an empty side scores 90"),
+    ("hyphen-bound", "compare/spelling_compare.cc",
+     "pos >= sig - 1) return false;", "pos >= sig) return false;",
+     "a trailing hyphen splits the word"),
+    ("business-short", "compare/business_compare.cc",
+     "if (lena <= 4) return 75;", "if (lena < 4) return 75;",
+     "a four-letter skeleton scores as a long one"),
+    ("vowel-table", "compare/business_compare.cc",
+     "c == 'O' || c == 'U';", "c == 'O';", "U is not a vowel"),
+    ("pack-last-vowel", "compare/text_pack.cc",
+     "const bool inner = i < n - 1;", "const bool inner = i < n;",
+     "the last vowel of a word is dropped"),
+    ("street-cache", "compare/street_compare.cc",
+     "} else if (cache.form_len == len) {", "} else if (true) {",
+     "the cached form is reused for another width"),
+    ("item-bound", "hkmatch/refdata/packed_record.cc",
+     "if (data_length(header) > limit - pos - 1) return false;", "",
+     "an item running past its record is accepted"),
+    ("presence-bit", "hkmatch/refdata/packed_record.cc",
+     "if (field < 8) return", "if (field <= 8) return",
+     "the ninth field reads the wrong presence byte"),
+    ("level1-code", "hkmatch/refdata/reference_store.cc",
+     "if (m->lvl1fp == nullptr) return HKRC_LEVEL1_OPEN;",
+     "if (m->lvl1fp == nullptr) return HKRC_LEVEL2_OPEN;",
+     "a lost level-1 file reports the level-2 code"),
+    ("region-order", "hkmatch/refdata/region_tables.cc",
+     "if (padded_initial(tab[i]) < padded_initial(tab[i - 1])) return false;",
+     "", "an unsorted street table is accepted"),
+    ("region-search", "hkmatch/refdata/region_tables.cc",
+     "while (low <= high) {", "while (low < high) {",
+     "the binary search misses its last candidate"),
+    ("outpath-bound", "hkmatch/calls/open_close.cc",
+     "path_fits = n <= kOutpathMax;", "path_fits = n < kOutpathMax;",
+     "an extract path of full length is refused"),
+    ("level2-code", "hkmatch/calls/open_close.cc",
+     "if (m->lvl2fp == nullptr) return kBadLevel2;",
+     "if (m->lvl2fp == nullptr) return kBadLevel1;",
+     "a missing level-2 file reports the level-1 code"),
+    ("inmem-case", "hkmatch/calls/open_close.cc",
+     "if (options[1] == 'M' || options[1] == 'm')", "if (options[1] == 'M')",
+     "the lower-case in-memory option is ignored"),
+    ("state-ready", "hkmatch/calls/call_dispatch.cc",
+     "if (mcb->state != 'O' && mcb->state != 'R') return nullptr;",
+     "if (mcb->state != 'O') return nullptr;",
+     "an instance that has searched is treated as closed"),
+    ("input-both-blank", "hkmatch/input/input_prep.cc",
+     "if (all_blank(first) && all_blank(second)) return;",
+     "if (all_blank(first) || all_blank(second)) return;",
+     "one blank half drops the other"),
+    ("premise-digit", "hkmatch/premise/premise_parser.cc",
+     "return c >= '0' && c <= '9';", "return c > '0' && c <= '9';",
+     "0 is not a digit in a premise number"),
+    ("range-below-high", "hkmatch/evaluate/premise_range.cc",
+     "return l.v1 <= i.v1 && i.v1 < h.v1;",
+     "return l.v1 <= i.v1 && i.v1 <= h.v1;",
+     "the high number counts as below the high end"),
+    ("range-second-high", "hkmatch/evaluate/premise_range.cc",
+     "i.v2 <= h.v2 && i.v1 <= h.v1;", "i.v2 < h.v2 && i.v1 <= h.v1;",
+     "the second number's high end is excluded"),
+    ("side-second", "hkmatch/evaluate/candidate_compare.cc",
+     "if (in.k2 == 'G') return side_of(in.v2);",
+     "if (in.k2 == 'G') return side_of(in.v1);",
+     "a lettered first part takes its side from the wrong number"),
+    ("penalty-count", "hkmatch/evaluate/candidate_compare.cc",
+     "    ++c.penalties;\n    return true;", "    return true;",
+     "a missing record building is not penalised"),
+    ("floor-keep", "hkmatch/evaluate/unit_check.cc",
+     "const size_t keep = len >= 4 ? 2", "const size_t keep = len > 4 ? 2",
+     "a four-digit floor keeps one digit"),
+    ("summary-slot", "hkmatch/search/record_scoring.cc",
+     "  ++p.slot;\n", "\n", "the candidate summary overwrites one slot"),
+    ("exact-level", "hkmatch/search/record_scoring.cc",
+     "p.in.level <= 1 && rec.bscore != 100", "p.in.level < 1 && rec.bscore != 100",
+     "imperfect level-1 candidates are listed on exact passes"),
+    ("tie-accepted", "hkmatch/search/result_record.cc",
+     "if (chose && !tied) matchstat = HKMS_ACCEPTED;",
+     "if (chose) matchstat = HKMS_ACCEPTED;", "a tie is accepted"),
+    ("candidate-bound", "hkmatch/search/result_record.cc",
+     "bcand >= static_cast<int32_t>(mcb->lvl2cnt) ||",
+     "bcand > static_cast<int32_t>(mcb->lvl2cnt) ||",
+     "a candidate one past the street table is read"),
+    ("reuse-exact", "hkmatch/search/search_driver.cc",
+     "if (s.count > 0) s.exact = true;", "if (s.count > 1) s.exact = true;",
+     "a reused single candidate is not exact"),
+    ("error-text", "hkmatch/calls/messages.cc",
+     "\" POSTAL-MATCH_ERROR %s\\n\"", "\" POSTAL-MATCH ERROR %s\\n\"",
+     "the error line changes its tag"),
+    ("report-listmode", "hkmatch/calls/close_instance.cc",
+     "if (mcb.listmode == 3) return false;", "",
+     "the closing report is written in list mode"),
+    ("tidy-delete", "normalise/text_tidy.cc",
+     "(cp >= 0x7F && cp <= 0x9F)", "(cp > 0x7F && cp <= 0x9F)",
+     "DEL is not a control character"),
+    ("tidy-width", "normalise/address_record.cc",
+     "text->size() > width_of(kPlaces[i])", "text->size() >= width_of(kPlaces[i])",
+     "a text of exactly the field width is refused"),
+    ("name-times", "normalise/region_names.cc",
+     "c <= 0xDE && c != 0xD7);", "c <= 0xDE);",
+     "the multiplication sign counts as a letter of a name"),
+    ("line-hk", "splitter/line_parse.cc",
+     "return k == \"HONGKONG\" || k == \"HK\";", "return k == \"HONGKONG\";",
+     "HK is not taken as the territory"),
+    ("line-digits", "splitter/line_words.cc",
+     "if (d == 0 || d > 5) return", "if (d == 0 || d > 4) return",
+     "five-digit premise numbers are not numbers"),
+    ("line-width", "splitter/line_record.cc",
+     "if (len + need > width) return false;",
+     "if (len + need >= width) return false;",
+     "a word that fills its field exactly is dropped"),
+    ("mapping-offset", "native/input_mapping.cc",
+     "} else if (src[1103] != ' ') {", "} else if (src[1104] != ' ') {",
+     "the fourth address group is tested one byte late"),
+    ("service-report", "native/geocoder_service.cc",
+     "needs |= kNeedFiles | kNeedReport;", "needs |= kNeedFiles;",
+     "the report call gets no report lines"),
+]
+
+
+def tree_files():
+    out = subprocess.run(
+        ["git", "ls-files", "-co", "--exclude-standard", "-z"], cwd=ROOT,
+        check=True, capture_output=True).stdout.decode()
+    return [f for f in out.split("\0") if f and not f.startswith("build/")]
+
+
+def sync_scratch():
+    """Mirrors the checkout into SRC, touching only files that changed so
+    that the scratch build stays incremental."""
+    wanted = set(tree_files())
+    for rel in wanted:
+        src, dst = os.path.join(ROOT, rel), os.path.join(SRC, rel)
+        if not os.path.isfile(src):
+            continue
+        if os.path.isfile(dst):
+            with open(src, "rb") as a, open(dst, "rb") as b:
+                if a.read() == b.read():
+                    continue
+        os.makedirs(os.path.dirname(dst), exist_ok=True)
+        shutil.copy2(src, dst)
+    for dirpath, _, names in os.walk(SRC):
+        for n in names:
+            rel = os.path.relpath(os.path.join(dirpath, n), SRC)
+            if rel not in wanted:
+                os.remove(os.path.join(dirpath, n))
+
+
+def run(cmd, **kw):
+    return subprocess.run(cmd, capture_output=True, text=True, **kw)
+
+
+def build():
+    if not os.path.isfile(os.path.join(BUILD, "CMakeCache.txt")):
+        lld = "-fuse-ld=lld" if shutil.which("ld.lld") else ""
+        r = run(["cmake", "-S", SRC, "-B", BUILD, "-DCMAKE_BUILD_TYPE=Release",
+                 "-DORLO_BUILD_BENCH=OFF", "-DCMAKE_EXE_LINKER_FLAGS=" + lld,
+                 "-DCMAKE_SHARED_LINKER_FLAGS=" + lld])
+        if r.returncode != 0:
+            sys.exit("configure failed:\n" + r.stdout + r.stderr)
+    r = run(["nice", "-n", "10", "cmake", "--build", BUILD, "-j2"])
+    return r.returncode == 0, r.stdout + r.stderr
+
+
+def test_owners():
+    """Maps each GoogleTest name to the source file of its program."""
+    owners = {}
+    for dirpath, _, names in os.walk(os.path.join(SRC, "tests")):
+        for n in names:
+            if n.endswith("_test.cc"):
+                rel = os.path.relpath(os.path.join(dirpath, n), SRC)
+                exe = os.path.join(BUILD, "tests", n[:-3])
+                if not os.access(exe, os.X_OK):
+                    continue
+                suite = ""
+                for line in run([exe, "--gtest_list_tests"]).stdout.splitlines():
+                    if not line.startswith(" "):
+                        suite = line.strip()
+                    else:
+                        owners[suite + line.split()[0]] = rel
+    return owners
+
+
+def failing_tests():
+    r = run(["ctest", "--test-dir", BUILD, "-j2", "--timeout", "120",
+             "-E", "^consumer\\."])
+    failed = re.findall(r"^\s*\d+ - (\S+) \(", r.stdout, re.M)
+    return failed
+
+
+def report(line, out):
+    print(line, flush=True)
+    out.write(line + "\n")
+
+
+def main():
+    ap = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    ap.add_argument("--only", help="comma-separated fault names")
+    ap.add_argument("--list", action="store_true", help="list the faults")
+    args = ap.parse_args()
+    faults = FAULTS
+    if args.only:
+        names = set(args.only.split(","))
+        faults = [f for f in FAULTS if f[0] in names]
+    if args.list:
+        for name, path, _, _, what in faults:
+            print(f"{name:18} {path:38} {what}")
+        return 0
+    os.makedirs(SRC, exist_ok=True)
+    sync_scratch()
+    ok, log = build()
+    if not ok:
+        sys.exit("the unmodified tree does not build:\n" + log[-4000:])
+    base = failing_tests()
+    if base:
+        sys.exit("the unmodified tree fails: " + " ".join(base))
+    owners = test_owners()
+    caught = caught_lib = ran = 0
+    status = 0
+    with open(os.path.join(WORK, "report.txt"), "w") as out:
+        for name, rel, find, repl, what in faults:
+            path = os.path.join(SRC, rel)
+            with open(path) as f:
+                text = f.read()
+            if text.count(find) != 1:
+                report(f"{name:18} SKIPPED: the text to change is not found "
+                       f"exactly once in {rel}", out)
+                status = 1
+                continue
+            start = time.time()
+            try:
+                with open(path, "w") as f:
+                    f.write(text.replace(find, repl))
+                built, _ = build()
+                failed = failing_tests() if built else []
+            finally:
+                with open(path, "w") as f:
+                    f.write(text)
+            if not built:
+                report(f"{name:18} SKIPPED: does not compile ({what})", out)
+                status = 1
+                continue
+            ran += 1
+            lib = sorted({t for t in failed
+                          if not owners.get(t, "").startswith(TOOL_TESTS)})
+            caught += bool(failed)
+            caught_lib += bool(lib)
+            verdict = "caught" if failed else "MISSED"
+            files = sorted({owners.get(t, t) for t in failed})
+            report(f"{name:18} {verdict:6} {len(failed):3} tests "
+                   f"({len(lib)} outside {TOOL_TESTS}) "
+                   f"[{time.time() - start:.0f}s] {what}", out)
+            if files:
+                report("    by " + ", ".join(files[:6]) +
+                       (" ..." if len(files) > 6 else ""), out)
+        report(f"total: {caught} of {ran} faults caught; {caught_lib} of {ran} "
+               f"by tests outside {TOOL_TESTS}", out)
+    build()  # leave the scratch build matching the checkout
+    return status
+
+
+if __name__ == "__main__":
+    sys.exit(main())
