@@ -209,29 +209,38 @@ def build():
     return r.returncode == 0, r.stdout + r.stderr
 
 
-def test_owners():
-    """Maps each GoogleTest name to the source file of its program."""
-    owners = {}
+def test_programs():
+    """Each GoogleTest program of the suite, by its source file."""
+    progs = {}
     for dirpath, _, names in os.walk(os.path.join(SRC, "tests")):
         for n in names:
             if n.endswith("_test.cc"):
                 rel = os.path.relpath(os.path.join(dirpath, n), SRC)
-                exe = os.path.join(BUILD, "tests", n[:-3])
-                if not os.access(exe, os.X_OK):
-                    continue
-                suite = ""
-                for line in run([exe, "--gtest_list_tests"]).stdout.splitlines():
-                    if not line.startswith(" "):
-                        suite = line.strip()
-                    else:
-                        owners[suite + line.split()[0]] = rel
-    return owners
+                progs[rel] = os.path.join(BUILD, "tests", n[:-3])
+    return progs
 
 
-def failing_tests():
-    r = run(["ctest", "--test-dir", BUILD, "-j2", "--timeout", "120",
-             "-E", "^consumer\\."])
-    failed = re.findall(r"^\s*\d+ - (\S+) \(", r.stdout, re.M)
+def failing_tests(progs):
+    """Runs every test program once (all its tests in one process, which is
+    much quicker than CTest's one process per test) and the Java tests under
+    CTest; returns the failed tests as (test, source file) pairs. A program
+    that dies or hangs counts as one failure of its own."""
+    failed = []
+    for rel, exe in sorted(progs.items()):
+        try:
+            r = subprocess.run([exe], cwd=BUILD, capture_output=True, text=True,
+                               errors="replace", timeout=300)
+            names = set(re.findall(r"^\[  FAILED  \] (\S+?)(?:,| \(|$)",
+                                   r.stdout, re.M))
+            if r.returncode != 0 and not names:
+                names = {"(exit %d)" % r.returncode}
+        except subprocess.TimeoutExpired:
+            names = {"(timeout)"}
+        failed += [(n, rel) for n in sorted(names)]
+    r = run(["ctest", "--test-dir", BUILD, "-j2", "--timeout", "300",
+             "-R", "^java\\."])
+    failed += [(n, "java/test") for n in
+               re.findall(r"^\s*\d+ - (\S+) \(", r.stdout, re.M)]
     return failed
 
 
@@ -258,10 +267,10 @@ def main():
     ok, log = build()
     if not ok:
         sys.exit("the unmodified tree does not build:\n" + log[-4000:])
-    base = failing_tests()
+    progs = test_programs()
+    base = failing_tests(progs)
     if base:
-        sys.exit("the unmodified tree fails: " + " ".join(base))
-    owners = test_owners()
+        sys.exit("the unmodified tree fails: " + " ".join(t for t, _ in base))
     caught = caught_lib = ran = 0
     status = 0
     with open(os.path.join(WORK, "report.txt"), "w") as out:
@@ -279,7 +288,7 @@ def main():
                 with open(path, "w") as f:
                     f.write(text.replace(find, repl))
                 built, _ = build()
-                failed = failing_tests() if built else []
+                failed = failing_tests(progs) if built else []
             finally:
                 with open(path, "w") as f:
                     f.write(text)
@@ -288,18 +297,18 @@ def main():
                 status = 1
                 continue
             ran += 1
-            lib = sorted({t for t in failed
-                          if not owners.get(t, "").startswith(TOOL_TESTS)})
+            lib = [t for t, rel in failed if not rel.startswith(TOOL_TESTS)]
             caught += bool(failed)
             caught_lib += bool(lib)
             verdict = "caught" if failed else "MISSED"
-            files = sorted({owners.get(t, t) for t in failed})
+            files = sorted({rel for _, rel in failed})
             report(f"{name:18} {verdict:6} {len(failed):3} tests "
                    f"({len(lib)} outside {TOOL_TESTS}) "
                    f"[{time.time() - start:.0f}s] {what}", out)
             if files:
                 report("    by " + ", ".join(files[:6]) +
                        (" ..." if len(files) > 6 else ""), out)
+                out.write("    tests: " + " ".join(t for t, _ in failed) + "\n")
         report(f"total: {caught} of {ran} faults caught; {caught_lib} of {ran} "
                f"by tests outside {TOOL_TESTS}", out)
     build()  # leave the scratch build matching the checkout
