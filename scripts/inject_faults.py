@@ -13,6 +13,7 @@ failed and which, and a total; the same report goes to build/faults/report.txt.
   scripts/inject_faults.py              run every fault
   scripts/inject_faults.py --only a,b   run the named faults
   scripts/inject_faults.py --list       list the faults
+  scripts/inject_faults.py --rev C      test commit C instead of the checkout
 Exit status: 0 when the baseline passes and every fault ran, 1 otherwise.
 """
 import argparse
@@ -165,27 +166,48 @@ FAULTS = [
 ]
 
 
-def tree_files():
-    out = subprocess.run(
-        ["git", "ls-files", "-co", "--exclude-standard", "-z"], cwd=ROOT,
-        check=True, capture_output=True).stdout.decode()
+def git(*args):
+    return subprocess.run(["git", *args], cwd=ROOT, check=True,
+                          capture_output=True).stdout
+
+
+def tree_files(rev):
+    if rev:
+        out = git("ls-tree", "-r", "-z", "--name-only", rev).decode()
+    else:
+        out = git("ls-files", "-co", "--exclude-standard", "-z").decode()
     return [f for f in out.split("\0") if f and not f.startswith("build/")]
 
 
-def sync_scratch():
-    """Mirrors the checkout into SRC, touching only files that changed so
-    that the scratch build stays incremental."""
-    wanted = set(tree_files())
+def content(rel, rev):
+    if rev:
+        return git("show", f"{rev}:{rel}")
+    path = os.path.join(ROOT, rel)
+    if not os.path.isfile(path):
+        return None
+    with open(path, "rb") as f:
+        return f.read()
+
+
+def sync_scratch(rev):
+    """Mirrors the checkout (or commit rev) into SRC, writing only files that
+    changed so that the scratch build stays incremental."""
+    wanted = set(tree_files(rev))
     for rel in wanted:
-        src, dst = os.path.join(ROOT, rel), os.path.join(SRC, rel)
-        if not os.path.isfile(src):
+        data, dst = content(rel, rev), os.path.join(SRC, rel)
+        if data is None:
             continue
         if os.path.isfile(dst):
-            with open(src, "rb") as a, open(dst, "rb") as b:
-                if a.read() == b.read():
+            with open(dst, "rb") as f:
+                if f.read() == data:
                     continue
         os.makedirs(os.path.dirname(dst), exist_ok=True)
-        shutil.copy2(src, dst)
+        with open(dst, "wb") as f:
+            f.write(data)
+        if not rev:
+            shutil.copymode(os.path.join(ROOT, rel), dst)
+        elif rel.endswith((".sh", ".py")):
+            os.chmod(dst, 0o755)
     for dirpath, _, names in os.walk(SRC):
         for n in names:
             rel = os.path.relpath(os.path.join(dirpath, n), SRC)
@@ -253,6 +275,7 @@ def main():
     ap = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     ap.add_argument("--only", help="comma-separated fault names")
     ap.add_argument("--list", action="store_true", help="list the faults")
+    ap.add_argument("--rev", help="test this commit instead of the checkout")
     args = ap.parse_args()
     faults = FAULTS
     if args.only:
@@ -263,7 +286,7 @@ def main():
             print(f"{name:18} {path:38} {what}")
         return 0
     os.makedirs(SRC, exist_ok=True)
-    sync_scratch()
+    sync_scratch(args.rev)
     ok, log = build()
     if not ok:
         sys.exit("the unmodified tree does not build:\n" + log[-4000:])
