@@ -23,6 +23,7 @@ import shutil
 import subprocess
 import sys
 import time
+from concurrent.futures import ThreadPoolExecutor
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 WORK = os.path.join(ROOT, "build", "faults")
@@ -31,12 +32,12 @@ BUILD = os.path.join(WORK, "build")
 # The tool tests belong to the tools; they are reported apart so that the
 # power of the library's own tests can be followed on its own.
 TOOL_TESTS = "tests/tools/"
+# The street comparison's differential test runs fewer pairs than in the
+# test command: a fault shows in the first thousands.
+TEST_ENV = dict(os.environ, ORLO_STREET_PAIRS="20000")
 
 # (name, file, text to find (exactly once), replacement, what goes wrong)
 FAULTS = [
-    ("squeeze-empty", "common/squeeze.h",
-     "if (!seen_text) return 0;", "if (!seen_text) return 1;",
-     "an all-blank field reports length 1"),
     ("lftpck-single", "common/justify.cc",
      "if (n > 0) std::memcpy(field, work", "if (n > 1) std::memcpy(field, work",
      "a field with one character is not packed"),
@@ -46,15 +47,6 @@ FAULTS = [
     ("string-one-off", "compare/string_compare.cc",
      "diff == 1) return 95;", "diff == 1) return 90;",
      "a prefix one letter short scores 90"),
-    ("string-empty", "compare/string_compare.cc",
-     "if (lena == 0 || lenb == 0) return 80;",
-     "if (lena == 0 || lenb == 0) return 90;", "an empty side scores 90"),
-    ("hyphen-bound", "compare/spelling_compare.cc",
-     "pos >= sig - 1) return false;", "pos >= sig) return false;",
-     "a trailing hyphen splits the word"),
-    ("business-short", "compare/business_compare.cc",
-     "if (lena <= 4) return 75;", "if (lena < 4) return 75;",
-     "a four-letter skeleton scores as a long one"),
     ("vowel-table", "compare/business_compare.cc",
      "c == 'O' || c == 'U';", "c == 'O';", "U is not a vowel"),
     ("pack-last-vowel", "compare/text_pack.cc",
@@ -76,12 +68,6 @@ FAULTS = [
     ("region-order", "hkmatch/refdata/region_tables.cc",
      "if (padded_initial(tab[i]) < padded_initial(tab[i - 1])) return false;",
      "", "an unsorted street table is accepted"),
-    ("region-search", "hkmatch/refdata/region_tables.cc",
-     "while (low <= high) {", "while (low < high) {",
-     "the binary search misses its last candidate"),
-    ("outpath-bound", "hkmatch/calls/open_close.cc",
-     "path_fits = n <= kOutpathMax;", "path_fits = n < kOutpathMax;",
-     "an extract path of full length is refused"),
     ("level2-code", "hkmatch/calls/open_close.cc",
      "if (m->lvl2fp == nullptr) return kBadLevel2;",
      "if (m->lvl2fp == nullptr) return kBadLevel1;",
@@ -104,9 +90,6 @@ FAULTS = [
      "return l.v1 <= i.v1 && i.v1 < h.v1;",
      "return l.v1 <= i.v1 && i.v1 <= h.v1;",
      "the high number counts as below the high end"),
-    ("range-second-high", "hkmatch/evaluate/premise_range.cc",
-     "i.v2 <= h.v2 && i.v1 <= h.v1;", "i.v2 < h.v2 && i.v1 <= h.v1;",
-     "the second number's high end is excluded"),
     ("side-second", "hkmatch/evaluate/candidate_compare.cc",
      "if (in.k2 == 'G') return side_of(in.v2);",
      "if (in.k2 == 'G') return side_of(in.v1);",
@@ -114,21 +97,11 @@ FAULTS = [
     ("penalty-count", "hkmatch/evaluate/candidate_compare.cc",
      "    ++c.penalties;\n    return true;", "    return true;",
      "a missing record building is not penalised"),
-    ("floor-keep", "hkmatch/evaluate/unit_check.cc",
-     "const size_t keep = len >= 4 ? 2", "const size_t keep = len > 4 ? 2",
-     "a four-digit floor keeps one digit"),
     ("summary-slot", "hkmatch/search/record_scoring.cc",
      "  ++p.slot;\n", "\n", "the candidate summary overwrites one slot"),
-    ("exact-level", "hkmatch/search/record_scoring.cc",
-     "p.in.level <= 1 && rec.bscore != 100", "p.in.level < 1 && rec.bscore != 100",
-     "imperfect level-1 candidates are listed on exact passes"),
     ("tie-accepted", "hkmatch/search/result_record.cc",
      "if (chose && !tied) matchstat = HKMS_ACCEPTED;",
      "if (chose) matchstat = HKMS_ACCEPTED;", "a tie is accepted"),
-    ("candidate-bound", "hkmatch/search/result_record.cc",
-     "bcand >= static_cast<int32_t>(mcb->lvl2cnt) ||",
-     "bcand > static_cast<int32_t>(mcb->lvl2cnt) ||",
-     "a candidate one past the street table is read"),
     ("reuse-exact", "hkmatch/search/search_driver.cc",
      "if (s.count > 0) s.exact = true;", "if (s.count > 1) s.exact = true;",
      "a reused single candidate is not exact"),
@@ -141,18 +114,9 @@ FAULTS = [
     ("tidy-delete", "normalise/text_tidy.cc",
      "(cp >= 0x7F && cp <= 0x9F)", "(cp > 0x7F && cp <= 0x9F)",
      "DEL is not a control character"),
-    ("tidy-width", "normalise/address_record.cc",
-     "text->size() > width_of(kPlaces[i])", "text->size() >= width_of(kPlaces[i])",
-     "a text of exactly the field width is refused"),
-    ("name-times", "normalise/region_names.cc",
-     "c <= 0xDE && c != 0xD7);", "c <= 0xDE);",
-     "the multiplication sign counts as a letter of a name"),
     ("line-hk", "splitter/line_parse.cc",
      "return k == \"HONGKONG\" || k == \"HK\";", "return k == \"HONGKONG\";",
      "HK is not taken as the territory"),
-    ("line-digits", "splitter/line_words.cc",
-     "if (d == 0 || d > 5) return", "if (d == 0 || d > 4) return",
-     "five-digit premise numbers are not numbers"),
     ("line-width", "splitter/line_record.cc",
      "if (len + need > width) return false;",
      "if (len + need >= width) return false;",
@@ -247,18 +211,23 @@ def failing_tests(progs):
     much quicker than CTest's one process per test) and the Java tests under
     CTest; returns the failed tests as (test, source file) pairs. A program
     that dies or hangs counts as one failure of its own."""
-    failed = []
-    for rel, exe in sorted(progs.items()):
+    def one(item):
+        rel, exe = item
         try:
             r = subprocess.run([exe], cwd=BUILD, capture_output=True, text=True,
-                               errors="replace", timeout=300)
+                               errors="replace", timeout=300, env=TEST_ENV)
             names = set(re.findall(r"^\[  FAILED  \] (\S+?)(?:,| \(|$)",
                                    r.stdout, re.M))
             if r.returncode != 0 and not names:
                 names = {"(exit %d)" % r.returncode}
         except subprocess.TimeoutExpired:
             names = {"(timeout)"}
-        failed += [(n, rel) for n in sorted(names)]
+        return [(n, rel) for n in sorted(names)]
+
+    failed = []
+    with ThreadPoolExecutor(2) as pool:
+        for found in pool.map(one, sorted(progs.items())):
+            failed += found
     r = run(["ctest", "--test-dir", BUILD, "-j2", "--timeout", "300",
              "-R", "^java\\."])
     failed += [(n, "java/test") for n in
