@@ -14,6 +14,7 @@ failed and which, and a total; the same report goes to build/faults/report.txt.
   scripts/inject_faults.py --only a,b   run the named faults
   scripts/inject_faults.py --list       list the faults
   scripts/inject_faults.py --rev C      test commit C instead of the checkout
+  scripts/inject_faults.py --first      stop each fault at its first catch
 Exit status: 0 when the baseline passes and every fault ran, 1 otherwise.
 """
 import argparse
@@ -206,11 +207,13 @@ def test_programs():
     return progs
 
 
-def failing_tests(progs):
+def failing_tests(progs, first=False, near=""):
     """Runs every test program once (all its tests in one process, which is
     much quicker than CTest's one process per test) and the Java tests under
     CTest; returns the failed tests as (test, source file) pairs. A program
-    that dies or hangs counts as one failure of its own."""
+    that dies or hangs counts as one failure of its own. With first, the
+    programs of the folder named by near run first and the run stops at the
+    first program that fails."""
     def one(item):
         rel, exe = item
         try:
@@ -224,10 +227,15 @@ def failing_tests(progs):
             names = {"(timeout)"}
         return [(n, rel) for n in sorted(names)]
 
+    order = sorted(progs.items(), key=lambda kv: (not kv[0].startswith(near),
+                                                  kv[0]))
     failed = []
     with ThreadPoolExecutor(2) as pool:
-        for found in pool.map(one, sorted(progs.items())):
+        for found in pool.map(one, order):
             failed += found
+            if first and failed:
+                pool.shutdown(wait=True, cancel_futures=True)
+                return failed
     r = run(["ctest", "--test-dir", BUILD, "-j2", "--timeout", "300",
              "-R", "^java\\."])
     failed += [(n, "java/test") for n in
@@ -245,6 +253,9 @@ def main():
     ap.add_argument("--only", help="comma-separated fault names")
     ap.add_argument("--list", action="store_true", help="list the faults")
     ap.add_argument("--rev", help="test this commit instead of the checkout")
+    ap.add_argument("--first", action="store_true",
+                    help="stop each fault at the first failing program "
+                         "(quicker; names only that program)")
     args = ap.parse_args()
     faults = FAULTS
     if args.only:
@@ -280,7 +291,9 @@ def main():
                 with open(path, "w") as f:
                     f.write(text.replace(find, repl))
                 built, _ = build()
-                failed = failing_tests(progs) if built else []
+                near = "tests/" + rel.split("/")[0] + "/"
+                failed = (failing_tests(progs, args.first, near)
+                          if built else [])
             finally:
                 with open(path, "w") as f:
                     f.write(text)
