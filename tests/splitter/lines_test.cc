@@ -141,6 +141,8 @@ TEST_F(LineSplit, EveryPartOfLinesAsPeopleWriteThem) {
       // "Hong Kong" after a district or region names the territory.
       {"27 Nathan Road, Tsim Sha Tsui, Kowloon, Hong Kong",
        {"27", "NATHAN ROAD", "", "", "", "TSIM SHA TSUI", "KLN"}},
+      {"27 Nathan Road, Kowloon, HK",
+       {"27", "NATHAN ROAD", "", "", "", "", "KLN"}},
       // Streets the database does not name: by their type word, written
       // out; a district's short form.
       {"9 Ocean Vista Rd CWB",
