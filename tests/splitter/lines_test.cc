@@ -143,6 +143,9 @@ TEST_F(LineSplit, EveryPartOfLinesAsPeopleWriteThem) {
        {"27", "NATHAN ROAD", "", "", "", "TSIM SHA TSUI", "KLN"}},
       {"27 Nathan Road, Kowloon, HK",
        {"27", "NATHAN ROAD", "", "", "", "", "KLN"}},
+      // A street that fills its 30 places exactly.
+      {"9 Abcdefghij Klmnopqrst Tuv Road, Kowloon",
+       {"9", "ABCDEFGHIJ KLMNOPQRST TUV ROAD", "", "", "", "", "KLN"}},
       // Streets the database does not name: by their type word, written
       // out; a district's short form.
       {"9 Ocean Vista Rd CWB",
