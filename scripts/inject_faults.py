@@ -6,8 +6,8 @@ a wrong return code, a flipped comparison, a changed table entry, a removed
 check, a counter left alone). The script copies the checkout into a scratch
 tree (build/faults/src; the checkout itself is never modified), builds it once
 in build/faults/build, then for every fault applies the edit, rebuilds
-incrementally, runs the suite under CTest (without the slow install and
-package tests) and puts the file back. It prints, per fault, whether any test
+incrementally, runs every test program and the Java tests (not the slow
+install and package tests) and puts the file back. It prints, per fault, whether any test
 failed and which, and a total; the same report goes to build/faults/report.txt.
 
   scripts/inject_faults.py              run every fault
