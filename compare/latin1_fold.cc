@@ -46,7 +46,7 @@ void fold_latin1_letters(char *field, int32_t len) {
   if (first == len) return;
   // From there every byte expands to at most two, so twice the longest
   // field suffices; what is written beyond len is cut off.
-  char scratch[2 * kFoldMaxLen];
+  char scratch[2 * kFoldMaxLen] = {};
   int32_t out = 0;
   for (int32_t i = first; i < len && out < len - first; ++i) {
     const char *pair = fold_of(static_cast<unsigned char>(field[i]));

@@ -10,9 +10,12 @@
 #include <vector>
 
 #include "native/geocoder_service.h"
+#include "native/jni_arrays.h"
 #include "orlo_records.h"
 
 namespace {
+
+using orlo::native::check;
 
 // True when the array holds at least `bytes` bytes.
 bool holds(JNIEnv *env, jbyteArray array, int64_t bytes) {
@@ -30,18 +33,12 @@ jint process_batch(JNIEnv *env, jint handle, jbyteArray inRecs,
   std::vector<char> out(static_cast<size_t>(out_bytes));
   env->GetByteArrayRegion(inRecs, 0, static_cast<jsize>(in_bytes),
                           reinterpret_cast<jbyte *>(in.data()));
-  if (env->ExceptionCheck()) {
-    env->ExceptionClear();
-    return -1;
-  }
+  check(env);
   int32_t done =
       orlo::native::process_batch(handle, in.data(), out.data(), count);
   env->SetByteArrayRegion(outRecs, 0, static_cast<jsize>(out_bytes),
                           reinterpret_cast<const jbyte *>(out.data()));
-  if (env->ExceptionCheck()) {
-    env->ExceptionClear();
-    return -1;
-  }
+  check(env);
   return done;
 }
 
@@ -52,6 +49,8 @@ extern "C" JNIEXPORT jint JNICALL Java_pkgs_natives_BatchProcessor_processBatch(
     jint count) {
   try {
     return process_batch(env, handle, inRecs, outRecs, count);
+  } catch (const orlo::native::BadArgument &) {
+    return -1;  // the virtual machine refused an array access
   } catch (...) {
     if (env->ExceptionCheck()) env->ExceptionClear();
     std::fputs("orloHKGeocoder : exception in processBatch\n", stdout);

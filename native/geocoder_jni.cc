@@ -13,6 +13,7 @@
 #include <exception>
 
 #include "native/geocoder_service.h"
+#include "native/jni_arrays.h"
 #include "orlo_codes.h"
 #include "orlo_matcher.h"
 
@@ -28,7 +29,7 @@ void say(const char *line) {
 }
 
 // Thrown when an argument cannot be obtained or is too short.
-struct BadArgument : std::exception {};
+using orlo::native::BadArgument;
 
 // A Java byte array of which a call uses the first `size` bytes: they are
 // copied into a buffer of the caller's when the call obtains them, and

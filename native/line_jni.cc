@@ -14,34 +14,16 @@
 #include <new>
 
 #include "native/geocoder_service.h"
+#include "native/jni_arrays.h"
 #include "orlo_codes.h"
 #include "orlo_lines.h"
 #include "orlo_records.h"
 
 namespace {
 
-// Thrown when the virtual machine refuses an argument or an access.
-struct BadArgument : std::exception {};
-
-void check(JNIEnv *env) {
-  if (env->ExceptionCheck()) {
-    env->ExceptionClear();
-    throw BadArgument();
-  }
-}
-
-// Writes the text, NUL-terminated and cut to fit, into the caller's array.
-void give_text(JNIEnv *env, jbyteArray to, const char *text) {
-  if (to == nullptr) return;
-  jsize room = env->GetArrayLength(to);
-  if (room <= 0) return;
-  auto n = static_cast<jsize>(std::strlen(text));
-  if (n > room - 1) n = room - 1;
-  env->SetByteArrayRegion(to, 0, n, reinterpret_cast<const jbyte *>(text));
-  jbyte nul = 0;
-  env->SetByteArrayRegion(to, n, 1, &nul);
-  check(env);
-}
+using orlo::native::BadArgument;
+using orlo::native::check;
+using orlo::native::give_text;
 
 jint geocode(JNIEnv *env, jint handle, jbyteArray line, jbyteArray inRec,
              jbyteArray outRec, jintArray split, jbyteArray text) {

@@ -14,20 +14,15 @@
 #include <new>
 #include <string>
 
+#include "native/jni_arrays.h"
 #include "orlo_normalise.h"
 #include "orlo_records.h"
 
 namespace {
 
-// Thrown when the virtual machine refuses an argument or an access.
-struct BadArgument : std::exception {};
-
-void check(JNIEnv *env) {
-  if (env->ExceptionCheck()) {
-    env->ExceptionClear();
-    throw BadArgument();
-  }
-}
+using orlo::native::BadArgument;
+using orlo::native::check;
+using orlo::native::give_text;
 
 // The bytes of element i of a byte[][]; a null element is empty.
 std::string field_bytes(JNIEnv *env, jobjectArray fields, jsize i) {
@@ -44,25 +39,12 @@ std::string field_bytes(JNIEnv *env, jobjectArray fields, jsize i) {
   return bytes;
 }
 
-// Writes the reason, NUL-terminated and cut to fit, into the caller's array.
-void give_reason(JNIEnv *env, jbyteArray reason, const char *text) {
-  if (reason == nullptr) return;
-  jsize room = env->GetArrayLength(reason);
-  if (room <= 0) return;
-  auto n = static_cast<jsize>(std::strlen(text));
-  if (n > room - 1) n = room - 1;
-  env->SetByteArrayRegion(reason, 0, n, reinterpret_cast<const jbyte *>(text));
-  jbyte nul = 0;
-  env->SetByteArrayRegion(reason, n, 1, &nul);
-  check(env);
-}
-
 jint normalise(JNIEnv *env, jobjectArray fields, jbyteArray inRec,
                jbyteArray reason) {
   if (fields == nullptr || inRec == nullptr ||
       env->GetArrayLength(fields) != ORLO_NF_COUNT ||
       env->GetArrayLength(inRec) < HKINREC_SIZE) {
-    give_reason(env, reason, "normalise needs 9 fields and a 200-byte record");
+    give_text(env, reason, "normalise needs 9 fields and a 200-byte record");
     return ORLO_NORM_BAD_CALL;
   }
   std::array<std::string, ORLO_NF_COUNT> bytes;
@@ -79,7 +61,7 @@ jint normalise(JNIEnv *env, jobjectArray fields, jbyteArray inRec,
   env->SetByteArrayRegion(inRec, 0, HKINREC_SIZE,
                           reinterpret_cast<const jbyte *>(record));
   check(env);
-  give_reason(env, reason, fault.reason);
+  give_text(env, reason, fault.reason);
   return st;
 }
 

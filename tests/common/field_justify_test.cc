@@ -34,6 +34,7 @@ TEST(FieldRoutines, RewriteFieldAndReturnLength) {
       {cm_rhtadj, "    ", "    ", 0},
       {cm_lftpck, "12 A  B", "12AB   ", 4},
       {cm_lftpck, "ABCDEF", "ABCDEF", 6},
+      {cm_lftpck, "  X ", "X   ", 1},
       {cm_lftpck, "A\tB", "A\tB", 3},
       {cm_lftpck, "   ", "   ", 0},
   };

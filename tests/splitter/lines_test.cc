@@ -141,6 +141,11 @@ TEST_F(LineSplit, EveryPartOfLinesAsPeopleWriteThem) {
       // "Hong Kong" after a district or region names the territory.
       {"27 Nathan Road, Tsim Sha Tsui, Kowloon, Hong Kong",
        {"27", "NATHAN ROAD", "", "", "", "TSIM SHA TSUI", "KLN"}},
+      {"27 Nathan Road, Kowloon, HK",
+       {"27", "NATHAN ROAD", "", "", "", "", "KLN"}},
+      // A street that fills its 30 places exactly.
+      {"9 Abcdefghij Klmnopqrst Tuv Road, Kowloon",
+       {"9", "ABCDEFGHIJ KLMNOPQRST TUV ROAD", "", "", "", "", "KLN"}},
       // Streets the database does not name: by their type word, written
       // out; a district's short form.
       {"9 Ocean Vista Rd CWB",

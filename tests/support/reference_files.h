@@ -9,9 +9,9 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
+
+#include "support/file_util.h"
 
 namespace orlo::testfiles {
 
@@ -39,16 +39,8 @@ class TempDir {
   std::string path_;
 };
 
-inline void write_file(const std::string &path, const std::string &bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  if (!out) ADD_FAILURE() << "cannot write " << path;
-}
-
-inline std::string read_file(const std::string &path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using orlo::testing::read_file;
+using orlo::testing::write_file;
 
 inline void put_be(std::string &out, uint64_t v, int bytes) {
   for (int i = bytes - 1; i >= 0; --i)

@@ -65,11 +65,7 @@ TEST_F(Hkaddrgen, AddressesAreGoodInputAndMostlyFound) {
   EXPECT_LT(found, 2000) << "some addresses are meant not to be found";
 }
 
-TEST_F(Hkaddrgen, UsageAndInputErrors) {
-  EXPECT_EQ(run("hkaddrgen --help"), 0);
-  EXPECT_EQ(run("hkaddrgen --count 5"), 2);
-  EXPECT_EQ(run("hkaddrgen --reference x.csv --count five"), 2);
-  EXPECT_EQ(run("hkaddrgen --reference x.csv --count 5 --bogus 1"), 2);
+TEST_F(Hkaddrgen, InputErrors) {
   EXPECT_EQ(run("hkaddrgen --reference " + dir_ + "/none.csv --count 5"), 1);
   EXPECT_TRUE(has(err_, "none.csv: No such file")) << err_;
   // Faults name the file and line, as hkdb build does.

@@ -93,25 +93,6 @@ std::vector<std::vector<std::string>> csv_rows(const std::string &text) {
   return rows;
 }
 
-TEST_F(Hkgeocode, HelpAndUsageErrors) {
-  ToolRun help = run("--help");
-  EXPECT_EQ(help.status, 0);
-  EXPECT_TRUE(has(help.out, "Usage: hkgeocode")) << help.out;
-  EXPECT_TRUE(has(help.out, "--threads N")) << help.out;
-
-  for (const char *args :
-       {"--bogus", "--threads 0", "--threads 65", "--threads x", "--db",
-        "a.csv b.csv", "--threads 2 --options Wextract.dat",
-        "--report-line 1 --report-line 2 --report-line 3 --report-line 4 "
-        "--report-line 5 --report-line 6 --report-line 7"}) {
-    ToolRun r = run(args);
-    EXPECT_EQ(r.status, 2) << args;
-    EXPECT_TRUE(has(r.err, "hkgeocode: ")) << args;
-    EXPECT_TRUE(r.out.empty()) << args;
-  }
-  EXPECT_EQ(run_csv(kHeader, "--table --fixed").status, 2);
-}
-
 TEST_F(Hkgeocode, UnusableFilesGive2AndAMissingDatabase3) {
   write_file(path("in.csv"), kHeader);
   ToolRun no_db = run("--db " + dir_ + "/nowhere " + path("in.csv"));

@@ -1,14 +1,15 @@
 // hkaddrgen: writes input addresses for hkgeocode, derived from a reference
 // CSV, for tests and benchmarks.
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <random>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "hkaddrgen/address_variants.h"
+#include "lib/command_line.h"
 #include "lib/csv_reader.h"
 #include "lib/csv_writer.h"
 #include "lib/refdb_compiler.h"
@@ -18,76 +19,49 @@ namespace {
 
 constexpr int kExitOk = 0;
 constexpr int kExitData = 1;
-constexpr int kExitUsage = 2;
 
 // At most this many reference records are kept to draw addresses from; a
 // larger reference CSV is sampled evenly.
 constexpr size_t kPlacesKept = 200000;
 
-constexpr const char *kUsage =
-    "Usage: hkaddrgen --reference CSV --count N [--seed S] [--out PATH]\n"
+constexpr const char *kDescription =
+    "Usage: hkaddrgen --reference CSV --count N [OPTIONS]\n"
     "\n"
     "Writes N input addresses in the CSV form that hkgeocode reads, made\n"
     "from the records of the reference CSV (as written by 'hkdb generate'\n"
     "or data/sample/reference.csv): house numbers inside the reference\n"
     "ranges, streets in full or abbreviated, building names with floor and\n"
     "unit lines, typing errors, and about 5% unknown streets. The same\n"
-    "reference, N and seed (default 1) always give the same file.\n"
-    "Exit status: 0 success, 1 unreadable or bad reference CSV or output\n"
+    "reference, N and seed always give the same file.\n";
+
+constexpr const char *kExitStatus =
+    "\nExit status: 0 success, 1 unreadable or bad reference CSV or output\n"
     "error, 2 wrong usage.\n";
 
 struct Args {
   std::string reference, out;
-  unsigned long long count = 0, seed = 1;
-  bool have_count = false, help = false;
+  uint64_t count = 0, seed = 1;
 };
 
-bool parse_number(const char *text, unsigned long long *value) {
-  if (*text == '\0' || std::strlen(text) > 18) return false;
-  unsigned long long v = 0;
-  for (const char *p = text; *p != '\0'; ++p) {
-    if (*p < '0' || *p > '9') return false;
-    v = v * 10 + static_cast<unsigned long long>(*p - '0');
-  }
-  *value = v;
-  return true;
-}
-
-bool parse_args(int argc, char **argv, Args *a, std::string *error) {
-  for (int i = 1; i < argc; ++i) {
-    std::string_view name = argv[i];
-    if (name == "--help" || name == "-h") {
-      a->help = true;
-      continue;
-    }
-    if (i + 1 >= argc) {
-      *error = "unknown option or missing value: " + std::string(name);
-      return false;
-    }
-    const char *value = argv[++i];
-    bool ok = true;
-    if (name == "--reference") {
-      a->reference = value;
-    } else if (name == "--out") {
-      a->out = value;
-    } else if (name == "--count") {
-      ok = a->have_count = parse_number(value, &a->count);
-    } else if (name == "--seed") {
-      ok = parse_number(value, &a->seed);
-    } else {
-      *error = "unknown option " + std::string(name);
-      return false;
-    }
-    if (!ok) {
-      *error = std::string(name) + " needs a whole number";
-      return false;
-    }
-  }
-  if (!a->help && (a->reference.empty() || !a->have_count)) {
-    *error = "--reference and --count are required";
-    return false;
-  }
-  return true;
+void define_command_line(CLI::App *app, Args *a) {
+  app->description(kDescription);
+  use_tool_help(app, kExitStatus);
+  app->add_option("--reference", a->reference,
+                  "the reference CSV to draw addresses from")
+      ->type_name("CSV")
+      ->required();
+  app->add_option("--count", a->count, "the number of addresses to write")
+      ->type_name("N")
+      ->required()
+      ->check(whole_number());
+  app->add_option("--seed", a->seed,
+                  "the seed of the random choices (default 1)")
+      ->type_name("S")
+      ->check(whole_number());
+  app->add_option("--out", a->out,
+                  "write the addresses to this file (default: standard\n"
+                  "output)")
+      ->type_name("PATH");
 }
 
 // Reads the reference CSV, keeping an even sample of at most kPlacesKept
@@ -147,7 +121,7 @@ bool write_addresses(const Args &a, const std::vector<ReferencePlace> &places,
              out);
   std::uniform_int_distribution<size_t> any(0, places.size() - 1);
   std::string line;
-  for (unsigned long long n = 0; n < a.count; ++n) {
+  for (uint64_t n = 0; n < a.count; ++n) {
     AddressRow row = make_address(places[any(rng)], rng);
     line.clear();
     append_csv_row(&line, row);
@@ -178,7 +152,7 @@ int run(const Args &a) {
     return kExitData;
   }
   std::fprintf(stderr, "hkaddrgen: %llu addresses from %zu reference records\n",
-               a.count, places.size());
+               static_cast<unsigned long long>(a.count), places.size());
   return kExitOk;
 }
 
@@ -188,15 +162,10 @@ int run(const Args &a) {
 int main(int argc, char **argv) {
   namespace ag = orlo::tools::hkaddrgen;
   ag::Args args;
-  std::string error;
-  if (!ag::parse_args(argc, argv, &args, &error)) {
-    std::fprintf(stderr, "hkaddrgen: %s\nTry 'hkaddrgen --help'.\n",
-                 error.c_str());
-    return ag::kExitUsage;
-  }
-  if (args.help) {
-    std::fputs(ag::kUsage, stdout);
-    return ag::kExitOk;
-  }
+  CLI::App app("", "hkaddrgen");
+  ag::define_command_line(&app, &args);
+  if (int status = orlo::tools::parse_command_line(&app, argc, argv);
+      status >= 0)
+    return status;
   return ag::run(args);
 }

@@ -3,7 +3,8 @@
 #include <cstring>
 #include <memory>
 
-#include "hkdb/cli.h"
+#include "hkdb/commands.h"
+#include "lib/command_line.h"
 #include "lib/refdb_compiler.h"
 
 namespace orlo::tools::hkdb {
@@ -11,19 +12,17 @@ namespace orlo::tools::hkdb {
 namespace {
 
 constexpr const char *kHelp =
-    "Usage: hkdb build CSV OUTDIR [--date TEXT8] [--any-region]\n"
+    "Usage: hkdb build CSV OUTDIR [OPTIONS]\n"
     "\n"
     "Compiles the reference CSV into LEVEL1, LEVEL2 and BASEDATA in OUTDIR\n"
     "(made when it does not exist). The CSV starts with the header line\n"
     "  region,street,refcode,refid,building,parity,qual1,low,qual2,high,"
     "code9,address\n"
-    "and has one reference record a row, in Latin-1. --date sets the\n"
-    "8-character date at the head of BASEDATA (default: today's UTC date as\n"
-    "YYYYMMDD).\n"
+    "and has one reference record a row, in Latin-1.\n"
     "\n"
     "Each row is checked: every field within its width; the region one of\n"
-    "the keys the front ends route to, HK, KLN and NT (--any-region allows\n"
-    "any key); parity E, O or empty; refcode 3 and refid 5 letters or\n"
+    "the keys the front ends route to, HK, KLN and NT (unless\n"
+    "--any-region); parity E, O or empty; refcode 3 and refid 5 letters or\n"
     "digits, or empty; the low number not above the high one. Lower-case\n"
     "letters are folded to upper case, as the front ends fold input, with\n"
     "one warning that counts the rows; exact duplicate rows are kept once,\n"
@@ -35,6 +34,13 @@ constexpr const char *kHelp =
     "\n"
     "On a fault the CSV line and field are named, no output file is\n"
     "written and the exit status is 1.\n";
+
+struct BuildArgs {
+  std::string csv_path;
+  std::string outdir;
+  BuildOptions options;
+  bool any_region = false;
+};
 
 // Warnings of what the rules changed, on standard error.
 void warn(const BuildStats &stats) {
@@ -65,24 +71,11 @@ std::string describe(const std::string &csv, const BuildError &err) {
   return where + ": " + err.message;
 }
 
-}  // namespace
-
-int run_build(int argc, char **argv) {
-  Args args;
-  if (int status = start_command(argc, argv, "build", kHelp, {"--date"}, 2,
-                                 "CSV and OUTDIR", &args, {"--any-region"});
-      status >= 0)
-    return status;
-  std::string error;
-  const std::string &csv_path = args.positional[0];
-  const std::string &outdir = args.positional[1];
-  BuildOptions options;
-  if (auto d = args.options.find("--date"); d != args.options.end()) {
-    if (d->second.size() != 8)
-      return usage_error("build", "--date needs exactly 8 characters");
-    options.date8 = d->second;
-  }
-  options.rules.known_regions = !args.flags.contains("--any-region");
+int run_build(const BuildArgs &args) {
+  const std::string &csv_path = args.csv_path;
+  const std::string &outdir = args.outdir;
+  BuildOptions options = args.options;
+  options.rules.known_regions = !args.any_region;
 
   std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(
       std::fopen(csv_path.c_str(), "rb"), &std::fclose);
@@ -118,6 +111,33 @@ int run_build(int argc, char **argv) {
       static_cast<unsigned long long>(stats.level2_bytes),
       static_cast<unsigned long long>(stats.basedata_bytes));
   return kExitOk;
+}
+
+// The date at the head of BASEDATA is 8 characters, whatever they are.
+CLI::Validator eight_characters() {
+  return CLI::Validator(
+      [](std::string &text) -> std::string {
+        return text.size() == 8 ? "" : "needs exactly 8 characters";
+      },
+      "");
+}
+
+}  // namespace
+
+Command add_build_command(CLI::App *hkdb) {
+  auto args = std::make_shared<BuildArgs>();
+  CLI::App *app = hkdb->add_subcommand("build", kHelp);
+  app->footer(kExitStatusHelp);
+  app->add_option("CSV", args->csv_path, "the reference CSV")->required();
+  app->add_option("OUTDIR", args->outdir, "the output folder")->required();
+  app->add_option("--date", args->options.date8,
+                  "the 8-character date at the head of BASEDATA\n"
+                  "(default: today's UTC date as YYYYMMDD)")
+      ->type_name("TEXT8")
+      ->check(eight_characters());
+  app->add_flag("--any-region", args->any_region,
+                "allow any region key, not only HK, KLN and NT");
+  return {app, [args] { return run_build(*args); }};
 }
 
 }  // namespace orlo::tools::hkdb

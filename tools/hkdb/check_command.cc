@@ -1,7 +1,10 @@
 #include <cstdio>
 #include <limits>
+#include <memory>
+#include <string>
 
-#include "hkdb/cli.h"
+#include "hkdb/commands.h"
+#include "lib/command_line.h"
 #include "lib/refdb_check.h"
 
 namespace orlo::tools::hkdb {
@@ -9,7 +12,7 @@ namespace orlo::tools::hkdb {
 namespace {
 
 constexpr const char *kHelp =
-    "Usage: hkdb check DBDIR [--all]\n"
+    "Usage: hkdb check DBDIR [OPTIONS]\n"
     "\n"
     "Validates LEVEL1, LEVEL2 and BASEDATA in DBDIR: LEVEL1 keys sorted and\n"
     "unique; every segment inside LEVEL2, its street records ending exactly\n"
@@ -20,8 +23,8 @@ constexpr const char *kHelp =
     "within its field's width; LEVEL2 and BASEDATA whole 23200-byte units.\n"
     "\n"
     "Prints the faults grouped by kind, each with its file and byte offset\n"
-    "(a byte that is not printable text as \\xNN), at most ten of each kind\n"
-    "unless --all is given, then a summary. Exit status 1 when there is any\n"
+    "(a byte that is not printable text as \\xNN), at most ten of each kind,\n"
+    "then a summary. Exit status 1 when there is any\n"
     "fault.\n";
 
 constexpr size_t kFaultsPerKind = 10;
@@ -38,21 +41,12 @@ void print_group(const CheckReport &report, FaultKind kind, size_t shown) {
     if (f.kind == kind) std::printf("  %s\n", format_fault(f).c_str());
 }
 
-}  // namespace
-
-int run_check(int argc, char **argv) {
-  Args args;
-  if (int status = start_command(argc, argv, "check", kHelp, {}, 1, "DBDIR",
-                                 &args, {"--all"});
-      status >= 0)
-    return status;
+int run_check(const std::string &dbdir, bool all) {
   std::string error;
   RefdbImages images;
-  if (!load_reference_images(args.positional[0], &images, &error))
+  if (!load_reference_images(dbdir, &images, &error))
     return data_error("check", error);
-  size_t shown = args.flags.contains("--all")
-                     ? std::numeric_limits<size_t>::max()
-                     : kFaultsPerKind;
+  size_t shown = all ? std::numeric_limits<size_t>::max() : kFaultsPerKind;
   CheckReport report = check_reference_images(images, shown);
   for (size_t k = 0; k < kFaultKinds; ++k)
     print_group(report, static_cast<FaultKind>(k), shown);
@@ -60,12 +54,27 @@ int run_check(int argc, char **argv) {
   std::printf(
       "hkdb check: %s: %s, %s, %s; date %s; LEVEL1 %zu bytes, LEVEL2 %zu "
       "bytes, BASEDATA %zu bytes; %s\n",
-      args.positional[0].c_str(), counted(t.regions, "region").c_str(),
+      dbdir.c_str(), counted(t.regions, "region").c_str(),
       counted(t.streets, "street").c_str(),
       counted(t.records, "record").c_str(), printable_text(t.date).c_str(),
       images.level1.size(), images.level2.size(), images.basedata.size(),
       counted(report.fault_count, "fault").c_str());
   return report.fault_count == 0 ? kExitOk : kExitData;
+}
+
+}  // namespace
+
+Command add_check_command(CLI::App *hkdb) {
+  struct Args {
+    std::string dbdir;
+    bool all = false;
+  };
+  auto args = std::make_shared<Args>();
+  CLI::App *app = hkdb->add_subcommand("check", kHelp);
+  app->footer(kExitStatusHelp);
+  app->add_option("DBDIR", args->dbdir, "the database folder")->required();
+  app->add_flag("--all", args->all, "list every fault, not ten of each kind");
+  return {app, [args] { return run_check(args->dbdir, args->all); }};
 }
 
 }  // namespace orlo::tools::hkdb

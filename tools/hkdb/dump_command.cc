@@ -1,7 +1,10 @@
 #include <cstdio>
+#include <memory>
+#include <string>
 
-#include "hkdb/cli.h"
+#include "hkdb/commands.h"
 #include "hkdb/output_sink.h"
+#include "lib/command_line.h"
 #include "lib/refdb_check.h"
 #include "lib/refdb_dump.h"
 
@@ -10,7 +13,7 @@ namespace orlo::tools::hkdb {
 namespace {
 
 constexpr const char *kHelp =
-    "Usage: hkdb dump DBDIR [--out CSV]\n"
+    "Usage: hkdb dump DBDIR [OPTIONS]\n"
     "\n"
     "Writes the database in DBDIR (LEVEL1, LEVEL2, BASEDATA) as a reference\n"
     "CSV, in file order, to standard output or to the file CSV. Building the\n"
@@ -19,30 +22,23 @@ constexpr const char *kHelp =
 
 constexpr size_t kFaultsShown = 3;  // of each kind; hkdb check lists more
 
-}  // namespace
-
-int run_dump(int argc, char **argv) {
-  Args args;
-  if (int status = start_command(argc, argv, "dump", kHelp, {"--out"}, 1,
-                                 "DBDIR", &args);
-      status >= 0)
-    return status;
+int run_dump(const std::string &dbdir, const std::string &out_path) {
   std::string error;
   RefdbImages images;
-  if (!load_reference_images(args.positional[0], &images, &error))
+  if (!load_reference_images(dbdir, &images, &error))
     return data_error("dump", error);
   CheckReport report = check_reference_images(images, kFaultsShown);
   if (report.fault_count > 0) {
+    // Each fault names its file, here with the folder it lies in.
     for (const CheckFault &f : report.faults)
-      std::fprintf(stderr, "%s\n", format_fault(f).c_str());
-    return data_error("dump", "the database has " +
+      std::fprintf(stderr, "hkdb dump: %s/%s\n", dbdir.c_str(),
+                   format_fault(f).c_str());
+    return data_error("dump", dbdir + ": the database has " +
                                   counted(report.fault_count, "fault") +
                                   "; not dumped (hkdb check lists them)");
   }
   OutputSink out;
-  auto it = args.options.find("--out");
-  if (!out.open(it == args.options.end() ? "" : it->second, &error))
-    return data_error("dump", error);
+  if (!out.open(out_path, &error)) return data_error("dump", error);
   WalkTotals totals;
   dump_reference_images(images, out.writer(), &totals);
   if (!out.close(&error)) return data_error("dump", error);
@@ -54,6 +50,22 @@ int run_dump(int argc, char **argv) {
                static_cast<unsigned long long>(totals.records),
                totals.date.c_str());
   return kExitOk;
+}
+
+}  // namespace
+
+Command add_dump_command(CLI::App *hkdb) {
+  struct Args {
+    std::string dbdir, out;
+  };
+  auto args = std::make_shared<Args>();
+  CLI::App *app = hkdb->add_subcommand("dump", kHelp);
+  app->footer(kExitStatusHelp);
+  app->add_option("DBDIR", args->dbdir, "the database folder")->required();
+  app->add_option("--out", args->out,
+                  "write the CSV to this file (default: standard output)")
+      ->type_name("CSV");
+  return {app, [args] { return run_dump(args->dbdir, args->out); }};
 }
 
 }  // namespace orlo::tools::hkdb

@@ -1,7 +1,10 @@
 #include <cstdio>
+#include <memory>
+#include <string>
 
-#include "hkdb/cli.h"
+#include "hkdb/commands.h"
 #include "hkdb/output_sink.h"
+#include "lib/command_line.h"
 #include "lib/reference_generator.h"
 
 namespace orlo::tools::hkdb {
@@ -9,41 +12,18 @@ namespace orlo::tools::hkdb {
 namespace {
 
 constexpr const char *kHelp =
-    "Usage: hkdb generate --records N [--seed S] [--out CSV]\n"
+    "Usage: hkdb generate --records N [OPTIONS]\n"
     "\n"
     "Writes a synthetic Hong Kong reference CSV of N records to standard\n"
     "output or to the file CSV: streets and buildings of the regions HK,\n"
     "KLN and NT, odd and even premise ranges, letter suffixes, floor and\n"
     "shop records, district reference codes and unique reference ids.\n"
-    "The same N and seed (default 1) always give the same file.\n";
+    "The same N and seed always give the same file.\n";
 
-}  // namespace
-
-int run_generate(int argc, char **argv) {
-  Args args;
-  if (int status =
-          start_command(argc, argv, "generate", kHelp,
-                        {"--records", "--seed", "--out"}, 0, "", &args);
-      status >= 0)
-    return status;
+int run_generate(GeneratorOptions options, const std::string &out_path) {
   std::string error;
-  GeneratorOptions options;
-  auto records = args.options.find("--records");
-  if (records == args.options.end())
-    return usage_error("generate", "--records is required");
-  if (!parse_count(records->second, &options.records))
-    return usage_error("generate", "--records needs a whole number");
-  if (auto seed = args.options.find("--seed");
-      seed != args.options.end() && !parse_count(seed->second, &options.seed))
-    return usage_error("generate", "--seed needs a whole number");
-  if (options.records > max_generated_records())
-    return usage_error("generate", "--records is at most " +
-                                       std::to_string(max_generated_records()));
-
   OutputSink out;
-  auto path = args.options.find("--out");
-  if (!out.open(path == args.options.end() ? "" : path->second, &error))
-    return data_error("generate", error);
+  if (!out.open(out_path, &error)) return data_error("generate", error);
   {
     Progress progress("generate", "records written");
     options.progress = [&progress](uint64_t n) { progress.update(n); };
@@ -55,6 +35,31 @@ int run_generate(int argc, char **argv) {
                static_cast<unsigned long long>(options.records),
                static_cast<unsigned long long>(options.seed));
   return kExitOk;
+}
+
+}  // namespace
+
+Command add_generate_command(CLI::App *hkdb) {
+  struct Args {
+    GeneratorOptions options;
+    std::string out;
+  };
+  auto args = std::make_shared<Args>();
+  CLI::App *app = hkdb->add_subcommand("generate", kHelp);
+  app->footer(kExitStatusHelp);
+  app->add_option("--records", args->options.records,
+                  "the number of records to write")
+      ->type_name("N")
+      ->required()
+      ->check(whole_number_in(0, max_generated_records()));
+  app->add_option("--seed", args->options.seed,
+                  "the seed of the random choices (default 1)")
+      ->type_name("S")
+      ->check(whole_number());
+  app->add_option("--out", args->out,
+                  "write the CSV to this file (default: standard output)")
+      ->type_name("CSV");
+  return {app, [args] { return run_generate(args->options, args->out); }};
 }
 
 }  // namespace orlo::tools::hkdb

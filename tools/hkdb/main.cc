@@ -1,13 +1,13 @@
 // hkdb: builds, dumps, checks and generates Hong Kong reference databases
 // (LEVEL1, LEVEL2, BASEDATA) and their reference CSV.
-#include <cstdio>
-#include <string_view>
+#include <vector>
 
-#include "hkdb/cli.h"
+#include "hkdb/commands.h"
+#include "lib/command_line.h"
 
 namespace {
 
-constexpr const char *kUsage =
+constexpr const char *kDescription =
     "Usage: hkdb COMMAND [ARGS]\n"
     "\n"
     "Commands:\n"
@@ -19,27 +19,22 @@ constexpr const char *kUsage =
     "  generate --records N [--seed S] [--out CSV]\n"
     "                                    write a synthetic reference CSV\n"
     "\n"
-    "'hkdb COMMAND --help' describes a command. Exit status: 0 success,\n"
-    "1 bad or damaged data (or a file that cannot be read or written),\n"
-    "2 wrong usage.\n";
+    "'hkdb COMMAND --help' describes a command.\n";
 
 }  // namespace
 
 int main(int argc, char **argv) {
-  namespace cli = orlo::tools::hkdb;
-  if (argc < 2) {
-    std::fputs(kUsage, stderr);
-    return cli::kExitUsage;
-  }
-  std::string_view cmd = argv[1];
-  if (cmd == "--help" || cmd == "-h" || cmd == "help") {
-    std::fputs(kUsage, stdout);
-    return cli::kExitOk;
-  }
-  if (cmd == "build") return cli::run_build(argc, argv);
-  if (cmd == "dump") return cli::run_dump(argc, argv);
-  if (cmd == "check") return cli::run_check(argc, argv);
-  if (cmd == "generate") return cli::run_generate(argc, argv);
-  std::fprintf(stderr, "hkdb: unknown command '%s'\n%s", argv[1], kUsage);
-  return cli::kExitUsage;
+  namespace hkdb = orlo::tools::hkdb;
+  CLI::App app(kDescription, "hkdb");
+  orlo::tools::use_tool_help(&app, hkdb::kExitStatusHelp);
+  app.require_subcommand(1);
+  const std::vector<hkdb::Command> commands = {
+      hkdb::add_build_command(&app), hkdb::add_dump_command(&app),
+      hkdb::add_check_command(&app), hkdb::add_generate_command(&app)};
+  if (int status = orlo::tools::parse_command_line(&app, argc, argv);
+      status >= 0)
+    return status;
+  for (const hkdb::Command &c : commands)
+    if (c.app->parsed()) return c.run();
+  return orlo::tools::kExitUsage;  // require_subcommand leaves no other way
 }

@@ -12,10 +12,10 @@
 #include <vector>
 
 #include "hkgeocode/batch_runner.h"
+#include "hkgeocode/command_line.h"
 #include "hkgeocode/geocoder.h"
 #include "hkgeocode/input_rows.h"
 #include "hkgeocode/legend.h"
-#include "hkgeocode/options.h"
 #include "hkgeocode/output_format.h"
 #include "hkgeocode/run_summary.h"
 #include "orlo_codes.h"
@@ -26,12 +26,6 @@ namespace {
 
 // Rows read and processed at a time, per worker.
 constexpr size_t kRowsPerWorker = 2048;
-
-int usage_error(const std::string &message) {
-  std::fprintf(stderr, "hkgeocode: %s\nTry 'hkgeocode --help'.\n",
-               message.c_str());
-  return kExitUsage;
-}
 
 int fail(const std::string &message) {
   std::fprintf(stderr, "hkgeocode: %s\n", message.c_str());
@@ -168,8 +162,9 @@ bool close_instances(const Options &o,
   if (code == HKRC_OK) return true;
   std::string_view why = return_code_meaning(code);
   std::fprintf(stderr,
-               "hkgeocode: the accuracy statement was not written: %.*s\n",
-               static_cast<int>(why.size()), why.data());
+               "hkgeocode: the accuracy statement was not written to %s: "
+               "%.*s\n",
+               o.report_path.c_str(), static_cast<int>(why.size()), why.data());
   char rec[HKOUTREC_SIZE] = {code};
   hk_doem(rec);
   return false;
@@ -249,13 +244,10 @@ int run(const Options &o) {
 int main(int argc, char **argv) {
   namespace hg = orlo::tools::hkgeocode;
   hg::Options options;
-  std::string error;
-  if (!hg::parse_options(argc - 1, argv + 1, &options, &error)) {
-    return hg::usage_error(error);
-  }
-  if (options.help) {
-    std::fputs(hg::usage_text().c_str(), stdout);
-    return hg::kExitOk;
-  }
+  CLI::App app("", "hkgeocode");
+  hg::define_command_line(&app, &options);
+  if (int status = orlo::tools::parse_command_line(&app, argc, argv);
+      status >= 0)
+    return status;
   return hg::run(options);
 }

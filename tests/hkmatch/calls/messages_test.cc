@@ -54,26 +54,14 @@ TEST(ErrorMessages, EachCodeTwoToEightPrintsItsPaddedMessage) {
   }
 }
 
-TEST(ErrorMessages, TrailingBlanksOfCodeSixAreWritten) {
-  const std::string expected = std::string(kPrefix) +
-                               "QMV-BAD OPEN ON BASEDATA HKMATCH" +
-                               std::string(17, ' ') + "\n";
-  EXPECT_EQ(print_code('6').text, expected);
-}
-
+// Other codes, and bytes above 127 ('2' + 128 is negative as a signed byte,
+// not a code), print the unpadded default.
 TEST(ErrorMessages, OtherCodesPrintTheUnpaddedDefault) {
-  for (char code : {'0', '1', '9', '/', 'A', 'L', 'X', '\0', ' '}) {
+  for (char code : {'0', '1', '9', '/', 'A', 'L', 'X', '\0', ' ', '\x80',
+                    '\xB2', '\xB6', '\xFF'}) {
     const Printed p = print_code(code);
     EXPECT_EQ(p.text, kUnknownLine) << "code " << static_cast<int>(code);
     EXPECT_EQ(p.result, static_cast<int32_t>(std::strlen(kUnknownLine)));
-  }
-}
-
-TEST(ErrorMessages, BytesAboveOneHundredTwentySevenPrintTheDefault) {
-  // 0xB2 is '2' + 128; as a signed byte it is negative, not a code.
-  for (int byte : {0x80, 0xB2, 0xB6, 0xFF}) {
-    EXPECT_EQ(print_code(static_cast<char>(byte)).text, kUnknownLine)
-        << "byte " << byte;
   }
 }
 

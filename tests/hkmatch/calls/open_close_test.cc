@@ -1,18 +1,14 @@
 // Opening and closing a geocoder instance: options, reference files, the
 // LEVEL1 index, memory images, failure codes and what close releases.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
 
 #include "hkmatch/refdata/reference_access.h"
-#include "hkmatch/refdata/reference_store.h"
 #include "orlo_matcher.h"
 #include "support/reference_files.h"
 
@@ -79,18 +75,10 @@ TEST_F(Instance, OpensInFileMode) {
   EXPECT_EQ(rc, '?');
   ASSERT_NE(mcb_, nullptr);
   EXPECT_EQ(mcb_->state, 'O');
-  EXPECT_EQ(mcb_->cachemax, 3000000);
-  EXPECT_EQ(mcb_->inmem, 0);
   EXPECT_EQ(mcb_->lvl2mem, nullptr);
-  EXPECT_EQ(mcb_->basemem, nullptr);
-  EXPECT_EQ(mcb_->outfp, nullptr);
   EXPECT_EQ(mcb_->lvl2size, static_cast<int64_t>(kUnit));
   EXPECT_EQ(mcb_->basesize, 508);
-  ASSERT_NE(mcb_->basefp, nullptr);
-  ASSERT_NE(mcb_->lvl2fp, nullptr);
   ASSERT_NE(mcb_->lvl1fp, nullptr);
-  EXPECT_EQ(ftello(mcb_->basefp), 0);
-  EXPECT_EQ(ftello(mcb_->lvl2fp), 0);
   EXPECT_EQ(ftello(mcb_->lvl1fp), 120);
 }
 
@@ -279,58 +267,6 @@ TEST_F(Instance, OpenFailureReportsItsCodeAndLeavesABlockToClose) {
   }
 }
 
-// The open does not check where the index points: an entry whose segment
-// lies outside LEVEL2 (or outside the image of memory mode) is refused by the
-// search of its region alone, so the open succeeds and keeps every entry.
-TEST_F(Instance, IndexEntriesAreLeftToTheSearch) {
-  static constexpr struct {
-    const char *note;
-    uint32_t off, len;
-  } kCases[] = {
-      {"ends at the end", kUnit - 100, 100},
-      {"empty at the end", kUnit, 0},
-      {"one byte over", kUnit - 100, 101},
-      {"starts past the end", kUnit + 1, 0},
-      {"wraps in 32 bits", 0xFFFFFFF0u, 0x20},
-  };
-  for (const auto &c : kCases) {
-    write_file(level1_, level1_record("A", 0, 10, 1) +
-                            level1_record("B", c.off, c.len, 1));
-    for (const char *options : {"", "YM"}) {
-      SCOPED_TRACE(std::string(c.note) + " / " + options);
-      EXPECT_EQ(open(options), 0);
-      EXPECT_EQ(retcode_, '0');
-      ASSERT_NE(mcb_, nullptr);
-      EXPECT_EQ(mcb_->opened, 1);
-      EXPECT_NE(mcb_->lvl1fp, nullptr);
-      EXPECT_EQ(mcb_->lvl1cnt, 2);
-    }
-  }
-}
-
-// A FIFO opens for reading but cannot be positioned, which is how a seek
-// failure of memory mode is reached; file mode never seeks. The test holds
-// the FIFO open for reading and writing so that opening it never waits.
-TEST_F(Instance, SeekFailureInMemoryMode) {
-  std::string fifo = dir_.file("fifo");
-  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-  int fifo_fd = ::open(fifo.c_str(), O_RDWR | O_NONBLOCK);
-  ASSERT_GE(fifo_fd, 0);
-
-  EXPECT_EQ(open_with("YM", level1_.c_str(), level2_.c_str(), fifo.c_str()), 1);
-  EXPECT_EQ(retcode_, '5');
-  write_file(level1_, "");
-  EXPECT_EQ(open_with("YM", level1_.c_str(), fifo.c_str(), basedata_.c_str()),
-            1);
-  EXPECT_EQ(retcode_, '4');
-  EXPECT_EQ(open_with("", level1_.c_str(), fifo.c_str(), fifo.c_str()), 0);
-  EXPECT_EQ(mcb_->lvl2size, 0);
-  EXPECT_EQ(mcb_->basesize, 0);
-
-  close();
-  ::close(fifo_fd);
-}
-
 // Memory mode loads whole 23200-byte units and serves reads from them; the
 // partial unit at the end is left out and out of bounds.
 TEST_F(Instance, MemoryModeHoldsTheWholeUnits) {
@@ -352,24 +288,18 @@ TEST_F(Instance, MemoryModeHoldsTheWholeUnits) {
   EXPECT_EQ(orlo::read_level2(mcb_, 2 * kUnit, 1, buf), '4');
 }
 
-TEST_F(Instance, MemoryModeOfFilesShorterThanAUnitHoldsNothing) {
+// A file shorter than a unit leaves memory mode nothing; a segment in the
+// partial unit opens in both modes, but only file mode can serve it.
+TEST_F(Instance, MemoryModeLeavesOutThePartialUnit) {
   write_file(level1_, "");
   write_file(level2_, patterned(kUnit - 1));
   ASSERT_EQ(open("2m"), 0);
-  EXPECT_NE(mcb_->lvl2mem, nullptr);
-  EXPECT_NE(mcb_->basemem, nullptr);
   EXPECT_EQ(mcb_->lvl2size, 0);
   EXPECT_EQ(mcb_->basesize, 0);
-  char header[8];
-  EXPECT_EQ(orlo::read_basedata(mcb_, 0, 8, header), '5');
-}
-
-// A segment inside the file but in the partial unit that memory mode leaves
-// out opens in both modes; only memory mode cannot serve it.
-TEST_F(Instance, MemoryModeOpensWithSegmentsInTheLeftOutTail) {
+  char buf[50];
+  EXPECT_EQ(orlo::read_basedata(mcb_, 0, 8, buf), '5');
   write_file(level2_, patterned(kUnit + 50));
   write_file(level1_, level1_record("A", kUnit, 50, 1));
-  char buf[50];
   for (const char *options : {"", "YM"}) {
     SCOPED_TRACE(options);
     ASSERT_EQ(open(options), 0);
@@ -393,63 +323,6 @@ TEST_F(Instance, CloseKeepsTheHandleWordAndReleasesTheFiles) {
     EXPECT_EQ(word, mcb_);
     mcb_ = nullptr;
     EXPECT_EQ(open_descriptors(), baseline_fds_) << options;
-  }
-}
-
-// What a search leaves behind belongs to the block, whether instance or
-// copy; under the leak checker a close that misses any of it fails. (The
-// street table is the store's.)
-void leave_search_data(HKMCB *m) {
-  m->baserecs = static_cast<HKBASEREC *>(std::malloc(3 * sizeof(HKBASEREC)));
-  m->basecur = m->baserecs;
-  m->blockbuf = static_cast<char *>(std::malloc(128));
-  m->lvl2buf = static_cast<char *>(std::malloc(256));
-  m->cands = static_cast<STREETENT **>(std::malloc(8 * sizeof(STREETENT *)));
-  m->candscore = static_cast<uint8_t *>(std::malloc(8));
-}
-
-// The private copy of an "R" call with search data of its own: in memory
-// mode it shares the instance's files and images, otherwise it has its own
-// BASEDATA and LEVEL2 streams; either way it holds a reference to a store.
-HKMCB *copy_for_one_record(const HKMCB *instance, bool share_files,
-                           const std::string &base, const std::string &l2) {
-  auto *copy = static_cast<HKMCB *>(std::malloc(sizeof(HKMCB)));
-  std::memcpy(copy, instance, sizeof(HKMCB));
-  copy->state = 'R';
-  copy->inmem = share_files ? 1 : 0;
-  copy->lvl2tab = nullptr;
-  copy->lvl2cnt = 0;
-  if (!share_files) {
-    copy->lvl2mem = copy->basemem = nullptr;
-    copy->basefp = std::fopen(base.c_str(), "rb");
-    copy->lvl2fp = std::fopen(l2.c_str(), "rb");
-  }
-  EXPECT_EQ(orlo::store_open_copy(copy, instance), '0');
-  leave_search_data(copy);
-  return copy;
-}
-
-// Closing a copy frees its search data and its own streams, never the
-// images, index or files it shares with the instance.
-TEST_F(Instance, CloseOfACopyReleasesOnlyWhatIsItsOwn) {
-  write_file(basedata_, "20260101" + patterned(kUnit - 8));
-  for (bool share : {true, false}) {
-    SCOPED_TRACE(share ? "sharing" : "own files");
-    ASSERT_EQ(open(share ? "YM" : ""), 0);
-    long open_fds = open_descriptors();
-    HKMCB *copy = copy_for_one_record(mcb_, share, basedata_, level2_);
-    ASSERT_NE(copy->basefp, nullptr);
-    ASSERT_NE(copy->lvl2fp, nullptr);
-    EXPECT_EQ(open_descriptors(), open_fds + (share ? 0 : 2));
-    EXPECT_EQ(hk_mclo(&copy, nullptr), 0);
-    EXPECT_EQ(open_descriptors(), open_fds);
-    char buf[8];
-    EXPECT_EQ(orlo::read_basedata(mcb_, 0, 8, buf), '0');
-    EXPECT_EQ(std::string(buf, 8), "20260101");
-    EXPECT_EQ(orlo::read_level2(mcb_, 0, 8, buf), '0');
-    EXPECT_EQ(mcb_->lvl1tab[1].l2cnt, 17);
-    ASSERT_EQ(std::fseek(mcb_->basefp, 0, SEEK_SET), 0);
-    EXPECT_EQ(std::fread(buf, 1, 8, mcb_->basefp), 8u);
   }
 }
 

@@ -59,17 +59,6 @@ class PrivateCopy : public InstanceTest {
   const HKMCB &searched() { return script_.seen_blocks.at(0); }
 };
 
-TEST_F(PrivateCopy, InstanceIsLeftByteForByte) {
-  open();
-  give_history();
-  std::string before = block_bytes(mcb());
-  for (const char *options : {"", "NM", "L"}) {
-    private_call(options);
-    EXPECT_EQ(out_[0], '1') << options;
-    EXPECT_EQ(block_bytes(mcb()), before) << options;
-  }
-}
-
 TEST_F(PrivateCopy, CopyStartsWithCleanStateAndZeroCounters) {
   open();
   give_history();

@@ -1,12 +1,9 @@
 // Tests of hk_cvtr, the premise number parser.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <ostream>
-#include <random>
 #include <string>
-#include <string_view>
 
 #include "orlo_matcher.h"
 
@@ -174,39 +171,6 @@ TEST(PremiseParser, EveryByteValue) {
       EXPECT_EQ(alone, kEmpty);
       EXPECT_EQ(after, free_text(3749));
     }
-  }
-}
-
-// Any byte string within the limit converts or is empty, with kinds that
-// pair up as the shapes allow, and converts the same way twice.
-TEST(PremiseParser, RandomByteStringsConvertToKnownKinds) {
-  std::mt19937 gen(20240601);
-  // Mostly characters that survive cleaning, so that every shape is reached.
-  constexpr std::string_view kLikely = "0123456789NSEWAB /-";
-  std::uniform_int_distribution<int> byte(1, 255);
-  std::uniform_int_distribution<size_t> likely(0, kLikely.size() - 1);
-  std::uniform_int_distribution<size_t> length(1, 99);
-  std::uniform_int_distribution<size_t> short_length(1, 8);
-  const std::string_view pair_kinds[] = {"N ", "NA", "AN", "NN", "A ",
-                                         "NF", "GG", "E ", "  "};
-  for (int round = 0; round < 20000; ++round) {
-    std::string text(round % 2 ? length(gen) : short_length(gen), ' ');
-    for (char &c : text) {
-      c = gen() % 4 ? kLikely[likely(gen)] : static_cast<char>(byte(gen));
-    }
-    const Premise p = convert(text);
-    ASSERT_TRUE(p.rc == 0 || p.rc == 2) << round;
-    const std::string kinds{p.k1, p.k2};
-    ASSERT_NE(std::find(std::begin(pair_kinds), std::end(pair_kinds), kinds),
-              std::end(pair_kinds))
-        << "kinds '" << kinds << "' in round " << round;
-    if (p.k2 == ' ') {
-      EXPECT_EQ(p.v2, 0);
-    }
-    if (p.rc == 2) {
-      EXPECT_EQ(p, kEmpty);
-    }
-    EXPECT_EQ(convert(text), p);
   }
 }
 

@@ -157,35 +157,29 @@ TEST(Unpack, PutsEachFieldInItsPlace) {
   EXPECT_EQ(r.bhirc, 0);
   EXPECT_EQ(r.bhinum, 27);
   EXPECT_EQ(r.bhityp, 'N');
-}
-
-// Presence byte 2 holds only fields 9 and 10; byte 3 is not read at all.
-TEST(Unpack, IgnoresTheUnusedPresenceBits) {
-  Bytes packed = Packed().text(10, "ADDR").bytes();
-  packed[2] |= 0xFC;
-  packed[3] = 0xFF;
-  HKBASEREC r = unpacked(packed);
-  EXPECT_STREQ(r.bfld9, "");
-  EXPECT_STREQ(r.baddr, "ADDR");
-}
-
-// Long texts are cut to their fields (field 9 to four characters) and the
-// items after them are still found where they start.
-TEST(Unpack, CutsTextsToTheirFieldWidths) {
-  HKBASEREC r = unpacked(Packed()
-                             .text(1, "ABCDEF")
-                             .text(2, "1234567")
-                             .text(3, std::string(31, 'B'))
-                             .text(4, "EVEN")
-                             .text(9, "ABCDEFG")
-                             .text(10, "END")
-                             .bytes());
+  // Long texts are cut to their fields (field 9 to four characters) and the
+  // items after them are still found where they start.
+  r = unpacked(Packed()
+                   .text(1, "ABCDEF")
+                   .text(2, "1234567")
+                   .text(3, std::string(31, 'B'))
+                   .text(4, "EVEN")
+                   .text(9, "ABCDEFG")
+                   .text(10, "END")
+                   .bytes());
   EXPECT_STREQ(r.brefcode, "ABC");
   EXPECT_STREQ(r.brefid, "12345");
   EXPECT_EQ(std::string(r.bbldg), std::string(30, 'B'));
   EXPECT_STREQ(r.bparity, "E");
   EXPECT_STREQ(r.bfld9, "ABCD");
   EXPECT_STREQ(r.baddr, "END");
+  // Presence byte 2 holds only fields 9 and 10; byte 3 is not read at all.
+  Bytes packed10 = Packed().text(10, "ADDR").bytes();
+  packed10[2] |= 0xFC;
+  packed10[3] = 0xFF;
+  r = unpacked(packed10);
+  EXPECT_STREQ(r.bfld9, "");
+  EXPECT_STREQ(r.baddr, "ADDR");
 }
 
 // Only an upper-case E or O names a side; anything else is both sides.
@@ -285,6 +279,12 @@ TEST(UnpackChecked, ReadsOnlyItsOwnLengthAndCountsWhatItUnpacks) {
   EXPECT_STREQ(r.brefcode, "XYZ");
   EXPECT_STREQ(r.baddr, "");
   EXPECT_EQ(orlo::access_counters().unpacks - before, 2u);
+  // A record may fill its block exactly, and hold no field at all.
+  Bytes full = Packed().text(10, std::string(30, 'A')).bytes();
+  ASSERT_TRUE(orlo::unpack_checked(&r, full.data(), full.size()));
+  EXPECT_EQ(std::string(r.baddr), std::string(30, 'A'));
+  Bytes empty = Packed().bytes();
+  EXPECT_TRUE(orlo::unpack_checked(&r, empty.data(), empty.size()));
 }
 
 Bytes with_length(Bytes b, unsigned char length) {
@@ -323,15 +323,6 @@ TEST(UnpackChecked, RejectsMalformedRecords) {
     HKBASEREC r;
     EXPECT_FALSE(orlo::unpack_checked(&r, buf.data(), buf.size())) << c.note;
   }
-}
-
-TEST(UnpackChecked, AcceptsARecordThatFillsTheBlockExactly) {
-  Bytes packed = Packed().text(10, std::string(30, 'A')).bytes();
-  HKBASEREC r;
-  ASSERT_TRUE(orlo::unpack_checked(&r, packed.data(), packed.size()));
-  EXPECT_EQ(std::string(r.baddr), std::string(30, 'A'));
-  Bytes empty = Packed().bytes();
-  EXPECT_TRUE(orlo::unpack_checked(&r, empty.data(), empty.size()));
 }
 
 // ---- records written by the database builder

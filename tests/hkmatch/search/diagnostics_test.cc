@@ -93,26 +93,6 @@ TEST(RecordFormat, EmptyFieldsAndTheFourthCharacterOfField9) {
   EXPECT_EQ(slot.substr(107), std::string(43, ' '));
 }
 
-// The extract shows the side as E, O, or B for anything else.
-TEST(RecordFormat, ExtractSideIsEvenOddOrBoth) {
-  HKBASEREC r = sample_record();
-  for (auto [side, shown] :
-       {std::pair{'E', 'E'}, std::pair{'O', 'O'}, std::pair{'B', 'B'},
-        std::pair{'X', 'B'}, std::pair{'\0', 'B'}}) {
-    r.bside = side;
-    EXPECT_EQ(base_extract(r)[60], shown) << "bside " << int(side);
-  }
-}
-
-TEST(RecordFormat, StreetExtractIsTheNameAndFiveCharactersOfTheRegion) {
-  const std::string rec = written([](FILE *f) {
-    orlo::write_street_extract(f, "NATHAN ROAD", "KOWLOON EAST");
-    orlo::write_street_extract(f, "", "HK");
-  });
-  EXPECT_EQ(rec,
-            pad("NATHAN ROAD", 30) + "KOWLO" + std::string(30, ' ') + "HK   ");
-}
-
 // The listing right-aligns a short identifier and keeps the scores' signs.
 TEST(RecordFormat, RecordLinesAlignTheIdentifierAndSignTheScores) {
   HKBASEREC r = sample_record();

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstring>
-#include <random>
 #include <string>
 
 #include "support/record_builders.h"
@@ -218,28 +217,6 @@ TEST_F(ResultRecord, StreetIndexOutsideTheCandidateListGivesNoName) {
   ref_.bcand = 0;
   mcb_.cands = nullptr;
   EXPECT_EQ(field(with_ref(inrec), out::street), std::string(30, ' '));
-}
-
-// Any input bytes: the fixed fields are echoed and the grade is set.
-TEST_F(ResultRecord, AnyInputBytesKeepTheFixedFields) {
-  std::mt19937 rng(77);
-  std::strcpy(ref_.baddr, "1 NATHAN ROAD");
-  for (int round = 0; round < 500; ++round) {
-    InputRecord inrec;
-    for (int i = 0; i < HKINREC_SIZE; ++i) {
-      inrec.data()[i] = static_cast<char>(rng() & 0xFF);
-    }
-    const bool chosen = round % 2 == 0;
-    const std::string o =
-        write(inrec, chosen ? '1' : '0', '0', chosen ? &ref_ : nullptr);
-    EXPECT_EQ(field(o, out::premno), inrec.field(in::premno));
-    EXPECT_EQ(field(o, out::unit), inrec.field(in::unit));
-    EXPECT_EQ(field(o, out::unitext), inrec.field(in::unitext));
-    EXPECT_EQ(o[out::mode.off], inrec.data()[in::mode.off]);
-    EXPECT_EQ(o[out::filler.off], ' ');
-    EXPECT_EQ(o[out::grade.off], chosen ? '1' : '9');
-    if (::testing::Test::HasFailure()) break;
-  }
 }
 
 }  // namespace

@@ -60,6 +60,7 @@ INSTANTIATE_TEST_SUITE_P(Modes, Search, ::testing::Values("-", "M"),
 // region forgets the key). The street table stays in the reference store,
 // so the next search reads no LEVEL2 whatever the last one did.
 TEST_P(Search, SearchesThatChooseNothing) {
+  // clang-format off
   const struct {
     Address a;
     int32_t level, ret;
@@ -68,39 +69,20 @@ TEST_P(Search, SearchesThatChooseNothing) {
     bool forgets_key;
     const char *note;
   } rows[] = {
-      {{"KLN", "NATHAN ROAD", "99"},
-       0,
-       0,
-       '3',
-       1,
-       false,
+    {{"KLN", "NATHAN ROAD", "99"}, 0, 0, '3', 1, false,
        "number outside every range; no fuzzy pass after an exact street"},
-      {{"", "NATHAN ROAD", "12"}, 0, 1, '1', 2, true, "blank region"},
-      {{"KLN", "NATHAN ROAD", "12", "", "", "", 'F'},
-       0,
-       1,
-       '1',
-       2,
-       true,
+    {{"", "NATHAN ROAD", "12"}, 0, 1, '1', 2, true, "blank region"},
+    {{"KLN", "NATHAN ROAD", "12", "", "", "", 'F'}, 0, 1, '1', 2, true,
        "mode F: no key"},
-      {{"NT", "NATHAN ROAD", "12"}, 0, 1, '1', -1, true, "unknown region"},
-      {{"KLN", "", "12"}, 0, 0, '2', 2, false, "empty street"},
-      {{"KLN", "ZZYZX LANE", "12"}, 0, 0, '2', 2, false, "unknown street"},
-      {{"KLN", "NATHAN RAOD", "12", "", "", "", '3'},
-       0,
-       0,
-       '2',
-       1,
-       false,
+    {{"NT", "NATHAN ROAD", "12"}, 0, 1, '1', -1, true, "unknown region"},
+    {{"KLN", "", "12"}, 0, 0, '2', 2, false, "empty street"},
+    {{"KLN", "ZZYZX LANE", "12"}, 0, 0, '2', 2, false, "unknown street"},
+    {{"KLN", "NATHAN RAOD", "12", "", "", "", '3'}, 0, 0, '2', 1, false,
        "mode 3 stops after the exact pass"},
-      {{"KLN", "NATHAN RAOD", "12", "", "", "", '3'},
-       2,
-       0,
-       '2',
-       -1,
-       false,
+    {{"KLN", "NATHAN RAOD", "12", "", "", "", '3'}, 2, 0, '2', -1, false,
        "mode 3 at level 2: the fuzzy pass skips every street"},
   };
+  // clang-format on
   TestDb db(kCsv);
   for (const auto &r : rows) {
     SCOPED_TRACE(r.note);

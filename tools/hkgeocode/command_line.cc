@@ -1,4 +1,4 @@
-#include "hkgeocode/options.h"
+#include "hkgeocode/command_line.h"
 
 #include <unistd.h>
 
@@ -10,7 +10,7 @@
 namespace orlo::tools::hkgeocode {
 namespace {
 
-constexpr const char *kUsage =
+constexpr const char *kDescription =
     "Usage: hkgeocode [OPTIONS] [INPUT]\n"
     "\n"
     "Matches Hong Kong addresses against a reference database, one record\n"
@@ -40,32 +40,9 @@ constexpr const char *kUsage =
     "region), the likely splits are tried through the matcher, and the\n"
     "best result is kept; the output shows the split. An empty line, a\n"
     "line longer than a record can carry or one in characters such as\n"
-    "Chinese is a bad row.\n"
-    "\n"
-    "Options:\n"
-    "  --db DIR            reference database (LEVEL1, LEVEL2, BASEDATA);\n"
-    "                      default: the sample database of the build, or\n"
-    "                      the installed one\n"
-    "  --options TEXT      option string of the open (listing, pass, extract\n"
-    "                      and memory mode, e.g. \" M\" for memory mode)\n"
-    "  --threads N         N workers (1 to 64), each with its own instance;\n"
-    "                      the output is in input order and the same as with\n"
-    "                      one worker\n"
-    "  --raw               place the CSV fields as given: printable ASCII in\n"
-    "                      the matcher's form (upper case, region keys)\n"
-    "  --table             a readable table (address, return code RC, match\n"
-    "                      status MS, result lines, reference) and a legend\n"
-    "                      of the codes in it, instead of CSV\n"
-    "  --fixed             raw 200-byte input records, raw 300-byte output\n"
-    "                      records (never tidied)\n"
-    "  --lines             one address a line of text (see above)\n"
-    "  --column NAME       with --lines: the addresses are the column NAME of\n"
-    "                      a CSV file with a header\n"
-    "  --out PATH          output file (default: standard output)\n"
-    "  --report PATH       write the address accuracy statement at the end\n"
-    "  --report-line TEXT  a free line of the statement (up to six times)\n"
-    "  --quiet             no progress display\n"
-    "  --help              this text\n"
+    "Chinese is a bad row.\n";
+
+constexpr const char *kOutputColumns =
     "\n"
     "The CSV output repeats the input columns exactly as read (with\n"
     "--lines: the column \"line\", or every column of the CSV), with\n"
@@ -110,53 +87,6 @@ constexpr const char *kNotes =
     "     statement could not be written; a one-line reason goes to\n"
     "     standard error\n";
 
-bool parse_threads(std::string_view text, int *threads) {
-  if (text.empty() || text.size() > 3) return false;
-  int n = 0;
-  for (char c : text) {
-    if (c < '0' || c > '9') return false;
-    n = n * 10 + (c - '0');
-  }
-  if (n < 1 || n > kMaxThreads) return false;
-  *threads = n;
-  return true;
-}
-
-bool takes_value(std::string_view name) {
-  for (std::string_view v : {"--db", "--options", "--threads", "--out",
-                             "--report", "--report-line", "--column"}) {
-    if (v == name) return true;
-  }
-  return false;
-}
-
-bool apply(std::string_view name, const std::string &value, Options *o,
-           std::string *error) {
-  if (name == "--db") {
-    o->db_dir = value;
-  } else if (name == "--options") {
-    o->open_options = value;
-  } else if (name == "--threads") {
-    if (!parse_threads(value, &o->threads)) {
-      *error = "--threads takes a number from 1 to 64, not '" + value + "'";
-      return false;
-    }
-  } else if (name == "--out") {
-    o->out_path = value;
-  } else if (name == "--column") {
-    o->column = value;
-  } else if (name == "--report") {
-    o->report_path = value;
-  } else if (name == "--report-line") {
-    if (o->report_lines.size() == kMaxReportLines) {
-      *error = "at most six --report-line texts";
-      return false;
-    }
-    o->report_lines.push_back(value);
-  }
-  return true;
-}
-
 // An extract file is written by each instance to the same path, so extract
 // options and several workers exclude each other.
 bool writes_extract(const std::string &open_options) {
@@ -167,68 +97,69 @@ bool writes_extract(const std::string &open_options) {
 
 }  // namespace
 
-std::string usage_text() {
-  return kUsage + split_columns_help() + kResultColumns + columns_help() +
-         kCodes + code_legend("", "") + kNotes;
-}
-
-bool parse_options(int argc, char **argv, Options *o, std::string *error) {
-  bool have_input = false;
-  for (int i = 0; i < argc; ++i) {
-    std::string_view a = argv[i];
-    if (a == "--help" || a == "-h") {
-      o->help = true;
-    } else if (a == "--fixed") {
-      o->fixed = true;
-    } else if (a == "--raw") {
-      o->raw = true;
-    } else if (a == "--lines") {
-      o->lines = true;
-    } else if (a == "--table") {
-      o->table = true;
-    } else if (a == "--quiet") {
-      o->quiet = true;
-    } else if (a.starts_with("--")) {
-      std::string_view name = a.substr(0, a.find('='));
-      if (!takes_value(name)) {
-        *error = "unknown option " + std::string(name);
-        return false;
-      }
-      std::string value;
-      if (name.size() < a.size()) {
-        value = std::string(a.substr(name.size() + 1));
-      } else if (i + 1 < argc) {
-        value = argv[++i];
-      } else {
-        *error = "option " + std::string(name) + " needs a value";
-        return false;
-      }
-      if (!apply(name, value, o, error)) return false;
-    } else if (have_input) {
-      *error = "more than one INPUT: '" + std::string(a) + "'";
-      return false;
-    } else {
-      o->input = std::string(a);
-      have_input = true;
-    }
-  }
-  if (o->table && o->fixed) {
-    *error = "--table and --fixed cannot be combined";
-    return false;
-  }
-  if (o->lines && (o->fixed || o->raw)) {
-    *error = "--lines cannot be combined with --fixed or --raw";
-    return false;
-  }
-  if (!o->column.empty() && !o->lines) {
-    *error = "--column names the column of address lines: give --lines too";
-    return false;
-  }
-  if (o->threads > 1 && writes_extract(o->open_options)) {
-    *error = "an extract option cannot be combined with --threads above 1";
-    return false;
-  }
-  return true;
+void define_command_line(CLI::App *app, Options *o) {
+  app->description(kDescription);
+  use_tool_help(app, kOutputColumns + split_columns_help() + kResultColumns +
+                         columns_help() + kCodes + code_legend("", "") +
+                         kNotes);
+  app->add_option("INPUT", o->input, "the input file ('-': standard input)");
+  app->add_option("--db", o->db_dir,
+                  "reference database (LEVEL1, LEVEL2, BASEDATA);\n"
+                  "default: the sample database of the build, or\n"
+                  "the installed one")
+      ->type_name("DIR");
+  app->add_option("--options", o->open_options,
+                  "option string of the open (listing, pass, extract\n"
+                  "and memory mode, e.g. \" M\" for memory mode)")
+      ->type_name("TEXT");
+  app->add_option("--threads", o->threads,
+                  "N workers (1 to 64), each with its own instance;\n"
+                  "the output is in input order and the same as with\n"
+                  "one worker")
+      ->type_name("N")
+      ->check(whole_number_in(1, kMaxThreads));
+  CLI::Option *raw =
+      app->add_flag("--raw", o->raw,
+                    "place the CSV fields as given: printable ASCII in\n"
+                    "the matcher's form (upper case, region keys)");
+  CLI::Option *table =
+      app->add_flag("--table", o->table,
+                    "a readable table (address, return code RC, match\n"
+                    "status MS, result lines, reference) and a legend\n"
+                    "of the codes in it, instead of CSV");
+  CLI::Option *fixed =
+      app->add_flag("--fixed", o->fixed,
+                    "raw 200-byte input records, raw 300-byte output\n"
+                    "records (never tidied)");
+  CLI::Option *lines = app->add_flag("--lines", o->lines,
+                                     "one address a line of text (see above)");
+  app->add_option("--column", o->column,
+                  "with --lines: the addresses are the column NAME of\n"
+                  "a CSV file with a header")
+      ->type_name("NAME")
+      ->needs(lines);
+  app->add_option("--out", o->out_path,
+                  "output file (default: standard output)")
+      ->type_name("PATH");
+  app->add_option("--report", o->report_path,
+                  "write the address accuracy statement at the end")
+      ->type_name("PATH");
+  app->add_option("--report-line", o->report_lines,
+                  "a free line of the statement (up to six times)")
+      ->type_name("TEXT")
+      ->allow_extra_args(false);
+  app->add_flag("--quiet", o->quiet, "no progress display");
+  table->excludes(fixed);
+  lines->excludes(fixed)->excludes(raw);
+  app->final_callback([o] {
+    if (o->report_lines.size() > kMaxReportLines)
+      throw CLI::ValidationError("--report-line", "at most six texts");
+    if (o->threads > 1 && writes_extract(o->open_options))
+      throw CLI::ValidationError(
+          "--options",
+          "an extract option cannot be combined with --threads "
+          "above 1");
+  });
 }
 
 std::string default_db_dir() {

@@ -1,16 +1,17 @@
 // The command line of hkgeocode.
-#ifndef ORLO_TOOLS_HKGEOCODE_OPTIONS_H
-#define ORLO_TOOLS_HKGEOCODE_OPTIONS_H
+#ifndef ORLO_TOOLS_HKGEOCODE_COMMAND_LINE_H
+#define ORLO_TOOLS_HKGEOCODE_COMMAND_LINE_H
 
 #include <string>
 #include <vector>
+
+#include "lib/command_line.h"
 
 namespace orlo::tools::hkgeocode {
 
 // Exit statuses, as --help lists them.
 inline constexpr int kExitOk = 0;
 inline constexpr int kExitBadRows = 1;
-inline constexpr int kExitUsage = 2;
 inline constexpr int kExitNoDatabase = 3;
 inline constexpr int kExitFailedRows = 4;
 
@@ -31,15 +32,12 @@ struct Options {
   std::string report_path;  // empty: no accuracy statement
   std::vector<std::string> report_lines;
   bool quiet = false;
-  bool help = false;
 };
 
-// Parses the arguments after the program name. False with *error set on an
-// unknown option, a missing or bad value, or a contradiction.
-bool parse_options(int argc, char **argv, Options *options, std::string *error);
-
-// The --help text.
-std::string usage_text();
+// Defines the options of hkgeocode on app, parsed into *options, with their
+// help, the exit statuses and the checks of options that exclude each other.
+// *options must outlive app.
+void define_command_line(CLI::App *app, Options *options);
 
 // The sample database that the build places beside the tool's bin folder,
 // <folder of the executable>/../data/sample, or else the installed one.
@@ -47,4 +45,4 @@ std::string default_db_dir();
 
 }  // namespace orlo::tools::hkgeocode
 
-#endif  // ORLO_TOOLS_HKGEOCODE_OPTIONS_H
+#endif  // ORLO_TOOLS_HKGEOCODE_COMMAND_LINE_H
