@@ -10,6 +10,8 @@
 #ifndef ORLO_CODES_H
 #define ORLO_CODES_H
 
+#include "orlo_api.h"
+
 /** The return codes, one X(name, character, message or NULL, meaning) row
  * each: '0' and '1' from a call that did its work, '2' to '8' and 'A' from
  * the matcher, 'L' and 'V' to 'Z' from the Java boundary. */
@@ -78,5 +80,28 @@ enum HKRETCODE { ORLO_RETURN_CODES(ORLO_CODE_ROW) };
 enum HKMATCHSTAT { ORLO_MATCH_STATUSES(ORLO_CODE_ROW) };
 #endif
 #undef ORLO_CODE_ROW
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** The plain meaning of a return code (the last column of
+ * ORLO_RETURN_CODES), for callers that cannot read the table above (bindings
+ * in other languages).
+ * @param code the character from byte 0 of an output record
+ * @return a static, NUL-terminated string that the caller must not free;
+ *         NULL when code is not in the table. Pure and thread-safe. */
+ORLO_API const char *orlo_return_meaning(char code);
+
+/** The plain meaning of a match status (the last column of
+ * ORLO_MATCH_STATUSES), for the same callers as orlo_return_meaning.
+ * @param status the character from byte 267 of an output record
+ * @return a static, NUL-terminated string that the caller must not free;
+ *         NULL when status is not in the table. Pure and thread-safe. */
+ORLO_API const char *orlo_status_meaning(char status);
+
+#ifdef __cplusplus
+}
+#endif
 
 #endif /* ORLO_CODES_H */

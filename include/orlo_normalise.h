@@ -123,6 +123,22 @@ ORLO_API int32_t orlo_norm_address(const char *const *fields,
                                    const size_t *lengths, char *inrec,
                                    ORLO_NORM_FAULT *fault);
 
+/** orlo_norm_address on count addresses in one call, for callers that pay
+ * for every call (bindings in other languages). Address i is the
+ * ORLO_NF_COUNT fields fields[i * ORLO_NF_COUNT + f] of lengths[i *
+ * ORLO_NF_COUNT + f] bytes; its record goes to inrecs + i * 200 (HKINREC),
+ * exactly as orlo_norm_address builds it (200 blanks when the address
+ * cannot be tidied), and statuses[i] receives the outcome. An address that
+ * cannot be tidied does not stop the others; orlo_norm_address on it alone
+ * gives the reason.
+ *
+ * Returns the number of addresses tidied (ORLO_NORM_OK); 0 when count is 0;
+ * -1 with nothing written when fields, lengths, inrecs or statuses is NULL
+ * and count is not 0. Reentrant. */
+ORLO_API int64_t orlo_norm_many(const char *const *fields,
+                                const size_t *lengths, size_t count,
+                                char *inrecs, int32_t *statuses);
+
 #ifdef __cplusplus
 }
 #endif

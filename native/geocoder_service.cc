@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <mutex>
 
+#include "orlo_batch.h"
 #include "orlo_codes.h"
 
 HKHANDLE HKCONTROL[kMaxGeocoders];
@@ -106,6 +107,13 @@ void process_geocoder(int handle, ArgSource &source, const char *callType) {
   if (local.mcb->listmode == 3) needs |= kNeedLists;
   if (callType[0] == 'R') needs |= kNeedFiles | kNeedReport;
   call(callType, &local, source.obtain(needs));
+}
+
+int32_t process_batch(int handle, const char *in_recs, char *out_recs,
+                      int32_t count) {
+  HKHANDLE local{};
+  if (handle_in_use(handle)) local.mcb = slot_word(handle);
+  return orlo_process_batch(&local, in_recs, out_recs, count);
 }
 
 int32_t geocode_line(int handle, const char *line, size_t len, char *inRec,

@@ -89,6 +89,13 @@ int32_t geocode_line(int handle, const char *line, size_t len, char *inRec,
 // instance open.
 void close_geocoder(int handle, ArgSource &source);
 
+// Runs orlo_process_batch on the instance in slot `handle` without taking
+// the lock: count 200-byte records of in_recs into count 300-byte records of
+// out_recs. An invalid handle gives 'A' in every output record. Returns
+// what orlo_process_batch returns.
+int32_t process_batch(int handle, const char *in_recs, char *out_recs,
+                      int32_t count);
+
 // The same calls on arguments in memory.
 inline int open_geocoder(const CallArgs &args) {
   GivenArgs given(args);

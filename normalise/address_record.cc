@@ -180,3 +180,19 @@ int32_t orlo_norm_address(const char *const *fields, const size_t *lengths,
     return set_fault(fault, ORLO_NORM_NO_MEMORY, -1, "out of memory");
   }
 }
+
+int64_t orlo_norm_many(const char *const *fields, const size_t *lengths,
+                       size_t count, char *inrecs, int32_t *statuses) {
+  if (count == 0) return 0;
+  if (fields == nullptr || lengths == nullptr || inrecs == nullptr ||
+      statuses == nullptr)
+    return -1;
+  int64_t tidied = 0;
+  for (size_t i = 0; i < count; ++i) {
+    statuses[i] = orlo_norm_address(fields + i * ORLO_NF_COUNT,
+                                    lengths + i * ORLO_NF_COUNT,
+                                    inrecs + i * HKINREC_SIZE, nullptr);
+    if (statuses[i] == ORLO_NORM_OK) ++tidied;
+  }
+  return tidied;
+}

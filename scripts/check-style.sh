@@ -10,7 +10,7 @@ cd "$(dirname "$0")/.."
 
 mapfile -t sources < <(git ls-files -co --exclude-standard -- \
   'common/*.c' 'common/*.cc' 'compare/*.cc' 'hkmatch/*.cc' 'normalise/*.cc' \
-  'native/*.cc' 'splitter/*.cc' 'tools/*.cc')
+  'native/*.cc' 'splitter/*.cc' 'tools/*.cc' 'batch/*.cc')
 ((${#sources[@]})) || exit 0
 cppcheck --quiet --error-exitcode=1 --std=c++20 --language=c++ \
   --enable=warning,performance,portability --inline-suppr \

@@ -40,6 +40,7 @@ ROOMS = {
     # The line splitter: above the call layer, beside the normalisation; it
     # reads the reference names and calls the matcher through hk_mtci.
     "splitter": (["common", "normalise", "hkmatch/refdata"], []),
+    "batch": (["common"], []),
     "native": (["common", "compare", "normalise", "splitter"] + MATCHER,
                ["geocoder_service.h"]),
     "tools/lib": (["common", "compare", "normalise", "splitter"] + MATCHER,

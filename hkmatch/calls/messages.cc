@@ -1,6 +1,7 @@
 // Texts of the matcher's return codes, printed to standard error on request.
 // Java reads the code in byte 0 of the output record; when it wants the text
-// it hands the record back here.
+// it hands the record back here. The plain meanings of the codes are served
+// from the same table to bindings that cannot read the header.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -49,6 +50,28 @@ const char *message_for(signed char code) {
   return kUnknownMessage;
 }
 
+struct CodeMeaning {
+  char code;
+  const char *meaning;
+};
+
+#define ORLO_RETURN_MEANING(name, code, message, meaning) {code, meaning},
+#define ORLO_STATUS_MEANING(name, code, meaning) {code, meaning},
+constexpr CodeMeaning kReturnMeanings[] = {
+    ORLO_RETURN_CODES(ORLO_RETURN_MEANING)};
+constexpr CodeMeaning kStatusMeanings[] = {
+    ORLO_MATCH_STATUSES(ORLO_STATUS_MEANING)};
+#undef ORLO_RETURN_MEANING
+#undef ORLO_STATUS_MEANING
+
+template <size_t N>
+const char *meaning_in(const CodeMeaning (&table)[N], char code) {
+  for (const CodeMeaning &row : table) {
+    if (row.code == code) return row.meaning;
+  }
+  return nullptr;
+}
+
 }  // namespace
 }  // namespace orlo
 
@@ -56,4 +79,12 @@ extern "C" int32_t hk_doem(const char *rec) {
   const signed char code = rec ? static_cast<signed char>(rec[0]) : 0;
   return std::fprintf(stderr, " POSTAL-MATCH_ERROR %s\n",
                       orlo::message_for(code));
+}
+
+extern "C" const char *orlo_return_meaning(char code) {
+  return orlo::meaning_in(orlo::kReturnMeanings, code);
+}
+
+extern "C" const char *orlo_status_meaning(char status) {
+  return orlo::meaning_in(orlo::kStatusMeanings, status);
 }

@@ -108,12 +108,15 @@ TEST(SharedLibraryExports, OnlyPublicRoutinesAreExported) {
     bool jni = name == "JNI_OnLoad" ||
                name.rfind("Java_pkgs_natives_OrloHKGeocoder_", 0) == 0 ||
                name == "Java_pkgs_natives_Normaliser_normalise" ||
-               name == "Java_pkgs_natives_LineGeocoder_geocodeLine";
+               name == "Java_pkgs_natives_LineGeocoder_geocodeLine" ||
+               name == "Java_pkgs_natives_BatchProcessor_processBatch";
     EXPECT_TRUE(allowed.count(name) || jni) << "unexpected export " << name;
   }
-  for (const char *name : {"cm_lftadj", "cm_rhtadj", "cm_lftpck", "cm_bllz",
-                           "cm_cfrmt", "cmulftadj", "cmulftpck", "cmurhtadj",
-                           "calloc", "orlo_line_split", "orlo_line_geocode"}) {
+  for (const char *name :
+       {"cm_lftadj", "cm_rhtadj", "cm_lftpck", "cm_bllz", "cm_cfrmt",
+        "cmulftadj", "cmulftpck", "cmurhtadj", "calloc", "orlo_line_split",
+        "orlo_line_geocode", "orlo_process_batch", "orlo_return_meaning",
+        "orlo_status_meaning"}) {
     EXPECT_TRUE(exported.count(name)) << "missing export " << name;
   }
 }

@@ -24,6 +24,7 @@ expected=(
   usr/lib/cmake/orloHKGeocoder/orloHKGeocoderConfigVersion.cmake
   'usr/lib/cmake/orloHKGeocoder/orloHKGeocoderTargets*.cmake'
   usr/lib/pkgconfig/orloHKGeocoder.pc
+  'usr/lib/orlo_hk/*.py' usr/lib/python3/dist-packages/orlo_hk.pth
   usr/share/java/orloHKGeocoder.jar usr/share/java/orloHKGeocoder-sources.jar
   usr/share/java/orloHKGeocoder-javadoc.jar
   usr/share/man/man1/hkaddrgen.1 usr/share/man/man1/hkdb.1
@@ -54,6 +55,10 @@ done
 
 soname=$(readelf -d "$scratch/root/usr/lib/liborloHKGeocoder.so" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
 [[ $soname == liborloHKGeocoder.so.0 ]] || { echo "SONAME is '$soname'"; faults=1; }
+# The Python package is found through the .pth file, which names the
+# library's folder as it is once installed.
+[[ $(cat "$scratch/root/usr/lib/python3/dist-packages/orlo_hk.pth") == /usr/lib ]] ||
+  { echo "orlo_hk.pth does not name /usr/lib"; faults=1; }
 depends=$(dpkg-deb --field "$deb" Depends)
 for lib in libc6 libstdc++6; do
   [[ $depends == *"$lib "* || $depends == *"$lib," || $depends == *"$lib" ]] ||

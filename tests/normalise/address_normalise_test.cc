@@ -5,6 +5,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 #include "orlo_normalise.h"
 #include "orlo_records.h"
@@ -254,6 +255,43 @@ TEST(NormaliseAddress, FaultNamesTheFieldAndLeavesTheRecordBlank) {
             ORLO_NORM_BAD_CALL);
   EXPECT_EQ(orlo_norm_address(nullptr, lengths, rec, nullptr),
             ORLO_NORM_BAD_CALL);
+}
+
+// Many addresses in one call: each record and status what a single call
+// gives, a bad address in the middle stopping nothing.
+TEST(NormaliseMany, EachAddressAsAlone) {
+  const std::array<std::string, ORLO_NF_COUNT> addresses[] = {
+      {"", "22", "castle peak road", "", "", "", "Sham Shui Po", "", ""},
+      {"", "8", "\u5f4c\u6566\u9053", "", "", "", "", "Kowloon", ""},
+      {"", "123456789", "A ROAD", "", "", "", "", "HK", ""},
+      {"", "5", "Nanking Street", "", "", "", "", "Kln.", ""},
+  };
+  constexpr size_t n = std::size(addresses);
+  std::vector<const char *> ptrs;
+  std::vector<size_t> lengths;
+  std::string want;
+  std::vector<int32_t> want_status;
+  for (const auto &a : addresses) {
+    for (const std::string &f : a) {
+      ptrs.push_back(f.data());
+      lengths.push_back(f.size());
+    }
+    Built b = build(a);
+    want += b.record;
+    want_status.push_back(b.status);
+  }
+  std::string got(n * HKINREC_SIZE, '#');
+  std::vector<int32_t> status(n, -7);
+  EXPECT_EQ(
+      orlo_norm_many(ptrs.data(), lengths.data(), n, got.data(), status.data()),
+      2);
+  EXPECT_EQ(got, want);
+  EXPECT_EQ(status, want_status);
+  EXPECT_EQ(status[1], ORLO_NORM_NOT_LATIN1);
+  EXPECT_EQ(orlo_norm_many(ptrs.data(), lengths.data(), 0, nullptr, nullptr),
+            0);
+  EXPECT_EQ(orlo_norm_many(ptrs.data(), lengths.data(), n, got.data(), nullptr),
+            -1);
 }
 
 }  // namespace

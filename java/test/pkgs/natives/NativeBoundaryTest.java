@@ -147,6 +147,25 @@ public final class NativeBoundaryTest {
             && first.matchMeaning() != null,
         "codes and meanings come from the library's table");
     check(matched > records.size() / 2, "most sample addresses match: " + matched);
+    batchGivesTheSameRecords(all.toByteArray(), want);
+  }
+
+  // BatchProcessor.processBatch: the same records in one call; short arrays
+  // and a closed slot answered without throwing.
+  private static void batchGivesTheSameRecords(byte[] in, byte[] want) {
+    int n = records.size();
+    byte[] out = new byte[300 * n];
+    int h = open(new byte[300], "");
+    int processed = BatchProcessor.processBatch(h, in, out, n);
+    check(Arrays.equals(out, want), "processBatch equals hkgeocode --fixed");
+    check(processed == n, "processBatch counts every record processed: " + processed);
+    check(BatchProcessor.processBatch(h, in, new byte[300 * n - 1], n) == -1,
+        "a short output array gives -1");
+    check(BatchProcessor.processBatch(h, null, out, 1) == -1, "a null input gives -1");
+    close(h, "L", null);
+    byte[] one = new byte[300];
+    check(BatchProcessor.processBatch(h, in, one, 1) == 0 && one[0] == 'A',
+        "a closed slot gives A");
   }
 
   private static void invalidHandlesAreRejected() {
