@@ -7,7 +7,7 @@ package pkgs.natives;
  */
 final class LineGeocoder {
   static {
-    System.loadLibrary("orloHKGeocoder");
+    NativeLibrary.load();
   }
 
   private LineGeocoder() {}
