@@ -9,6 +9,7 @@
 #include <new>
 
 #include "common/byte_order.h"
+#include "hkmatch/refdata/key_bisect.h"
 #include "hkmatch/refdata/reference_access.h"
 #include "hkmatch/refdata/reference_format.h"
 #include "hkmatch/refdata/search_alloc.h"
@@ -78,21 +79,7 @@ bool in_order_of_initials(const STREETENT *tab, uint16_t count) {
 // matcher's midpoint rule), or -1: with duplicate names, or names out of
 // order, it is that entry and no other that the exact pass starts from.
 int32_t bisect(const char *padded, uint16_t count, const char *key) {
-  int32_t low = 0;
-  int32_t high = static_cast<int32_t>(count) - 1;
-  while (low <= high) {
-    const int32_t mid = low + (high - low) / 2;
-    const int c =
-        std::memcmp(padded + size_t{kPaddedName} * mid, key, kPaddedName);
-    if (c > 0) {
-      high = mid - 1;
-    } else if (c < 0) {
-      low = mid + 1;
-    } else {
-      return mid;
-    }
-  }
-  return -1;
+  return bisect_keys(padded, kPaddedName, count, key, kPaddedName);
 }
 
 // A hash of a 31-byte padded name: three 8-byte words and the last seven

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "hkmatch/refdata/key_bisect.h"
 #include "hkmatch/refdata/reference_format.h"
 #include "hkmatch/refdata/reference_store.h"
 #include "orlo_codes.h"
@@ -18,20 +19,8 @@ void pad_name(const char *name, char *out) {
 
 int32_t find_region(const HKMCB *mcb, const char *key) {
   if (mcb->lvl1tab == nullptr) return -1;
-  int32_t low = 0;
-  int32_t high = mcb->lvl1cnt - 1;
-  while (low <= high) {
-    const int32_t mid = low + (high - low) / 2;
-    const int c = std::memcmp(mcb->lvl1tab[mid].l1key, key, refdb::kKeyBytes);
-    if (c > 0) {
-      high = mid - 1;
-    } else if (c < 0) {
-      low = mid + 1;
-    } else {
-      return mid;
-    }
-  }
-  return -1;
+  return bisect_keys(mcb->lvl1tab[0].l1key, sizeof mcb->lvl1tab[0],
+                     mcb->lvl1cnt, key, refdb::kKeyBytes);
 }
 
 char select_street_table(HKMCB *mcb, int32_t idx) {
